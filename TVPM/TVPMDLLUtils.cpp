@@ -1,0 +1,122 @@
+// TVPMDLLUtils.cpp: thin layer over the dynamic loader, directory listing, thread-local slots and path conversion.
+#include "TVPMDLLUtils.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <errno.h>
+#include <execinfo.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+#include "TVPM/TVPMUtilities.h"
+
+namespace {
+
+void LogDlError() {
+    TVPMDebugString("dlerror:");
+    if (const char* text = dlerror()) TVPMDebugString(text);
+    TVPMDebugString("\n");
+}
+
+// The handle of an already loaded library containing addr, without loading
+// anything. glibc refuses RTLD_NOLOAD on its own, so a binding mode goes with it.
+void* LoadedLibraryContaining(void* addr) {
+    Dl_info info;
+    if (!addr || dladdr(addr, &info) == 0 || !info.dli_fname) return nullptr;
+    void* handle = dlopen(info.dli_fname, RTLD_NOLOAD | RTLD_NOW);
+    if (handle) dlclose(handle);
+    return handle;
+}
+
+bool EndsWithNoCase(const char* name, const char* suffix) {
+    size_t n = strlen(name), s = strlen(suffix);
+    if (n < s) return false;
+    for (size_t i = 0; i < s; ++i)
+        if (toupper(static_cast<unsigned char>(name[n - s + i])) !=
+            toupper(static_cast<unsigned char>(suffix[i])))
+            return false;
+    return true;
+}
+
+}  // namespace
+
+void* TVPMLoadDLL(const char* inName) {
+    if (!inName) return nullptr;
+    FILE* probe = fopen(inName, "rb");
+    if (!probe) return nullptr;
+    fclose(probe);
+    void* handle = dlopen(inName, RTLD_NOW);
+    if (!handle) LogDlError();
+    return handle;
+}
+
+void TVPMUnloadDLL(void* dll) {
+    if (dll) dlclose(dll);
+}
+
+void* TVPMFindSymbol(void* inDLL, const char* inSymbol, int inLogErrors) {
+    if (!inDLL || !inSymbol) return nullptr;
+    dlerror();
+    void* symbol = dlsym(inDLL, inSymbol);
+    if (!symbol && inLogErrors) LogDlError();
+    return symbol;
+}
+
+// Kept out of line so that the frame count up to the caller holds.
+__attribute__((noinline)) void* TVPMGetDLLForCaller(int num_frames) {
+    const int depth = std::min(num_frames, 9);
+    void* frames[10] = {};
+    int got = backtrace(frames, depth + 1);
+    void* handle = got > depth ? LoadedLibraryContaining(frames[depth]) : nullptr;
+    asm volatile("" ::: "memory");  // no tail call: this frame must stay on the stack
+    return handle;
+}
+
+void* TVPMGetDLLForInstruction(void* ip) { return LoadedLibraryContaining(ip); }
+
+void TVPMFetchDirectoryContents(const char* inPath, const char* inSuffixPattern,
+                                std::vector<std::string>& outFileList) {
+    if (!inPath || !inSuffixPattern) return;
+    DIR* dir = opendir(inPath);
+    if (!dir) return;
+    const bool all = strcmp(inSuffixPattern, "*.*") == 0;
+    const bool dirs = strcmp(inSuffixPattern, "DIR") == 0;
+    const char* suffix = inSuffixPattern[0] == '*' ? inSuffixPattern + 1 : inSuffixPattern;
+    while (dirent* entry = readdir(dir)) {
+        const char* name = entry->d_name;
+        if (strcmp(name, ".") == 0 || strcmp(name, "..") == 0) continue;
+        if (all || EndsWithNoCase(name, suffix)) outFileList.push_back(name);
+        if (!dirs) continue;
+        std::string full = std::string(inPath) + "/" + name;
+        struct stat st;
+        if (stat(full.c_str(), &st) != 0)
+            printf("name %s, errno %d\n", name, errno);
+        else if (S_ISDIR(st.st_mode))
+            outFileList.push_back(name);
+    }
+    closedir(dir);
+}
+
+void strcpytrunc(char* out_buf, const std::string& in_str, int size_with_null) {
+    if (!out_buf || size_with_null <= 0) return;
+    size_t limit = static_cast<size_t>(size_with_null) - 1;
+    size_t n = std::min(in_str.size(), limit);
+    memcpy(out_buf, in_str.data(), n);
+    out_buf[n] = 0;
+}
+
+TVPMThreadKey TVPMAllocTLS() {
+    TVPMThreadKey key;
+    pthread_key_create(&key, nullptr);
+    return key;
+}
+void* TVPMGetTLS(TVPMThreadKey key) { return pthread_getspecific(key); }
+void TVPMSetTLS(TVPMThreadKey key, void* value) { pthread_setspecific(key, value); }
+pthread_t TVPMGetCurrentThread() { return pthread_self(); }
+
+void TVPMOldToUTF8(std::string&) {}
+void TVPMUTF8ToOld(std::string&) {}

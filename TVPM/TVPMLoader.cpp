@@ -1,0 +1,212 @@
+// TVPMLoader.cpp: the plugin table and its queries, error reporting, messages, deliveries and feature flags.
+#include <cstring>
+#include <string>
+
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMUtilities.h"
+#include "TVPMDLLUtils.h"
+#include "TVPMPrivate.h"
+
+std::deque<PluginRecord> gAllPlugins;
+TVPMPluginID gDispatchedPlugin = 0;
+TVPMPluginID gClientPlugin = 0;
+TVPMDeliveryHead orphaned;
+
+namespace {
+
+constexpr const char* kFeatureNames[kFeatureCount] = {
+    "TVPM_WANTS_REFLECTIONS",
+    "TVPM_USE_NATIVE_PATHS",
+    "TVPM_USE_NATIVE_WIDGET_WINDOWS",
+    "TVPM_WANTS_DATAREF_NOTIFICATIONS",
+};
+
+int FeatureIndex(const char* name) {
+    if (!name) return -1;
+    for (int i = 0; i < kFeatureCount; ++i)
+        if (strcmp(name, kFeatureNames[i]) == 0) return i;
+    return -1;
+}
+
+// Looks up a feature for the current plugin, reporting an unknown name.
+PluginRecord* FeatureOwner(const char* name, int& index) {
+    index = FeatureIndex(name);
+    if (index < 0) {
+        TVPMSendError("Illegal feature name passed to TVPMEnableFeature");
+        return nullptr;
+    }
+    return TVPMGetPluginRecord(gDispatchedPlugin);
+}
+
+bool UsesNativePaths() {
+    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    return r && r->features[kFeatureUseNativePaths];
+}
+
+void CopyField(char* out, const std::string& value) {
+    if (out) strcpytrunc(out, value, 256);
+}
+
+}  // namespace
+
+// ---- Deliveries ---------------------------------------------------------------
+
+void TVPMDelivery::Unlink() {
+    if (prev) prev->next = next;
+    if (next) next->prev = prev;
+    next = prev = nullptr;
+}
+
+void TVPMDelivery::InsertAfter(TVPMDelivery* where) {
+    next = where->next;
+    prev = where;
+    if (where->next) where->next->prev = this;
+    where->next = this;
+}
+
+void TVPMQueueDelivery(TVPMDelivery* d) {
+    PluginRecord* r = TVPMGetPluginRecord(d->plugin);
+    if (!r) {
+        TVPMSendError("Internal error: async queue pending but the plugin ID is invalid.");
+        return;
+    }
+    r->outstanding.PushFront(d);
+}
+
+void TVPMSendDelivery(TVPMDelivery* d) {
+    d->Unlink();
+    if (d->plugin == TVPM_NO_PLUGIN_ID) {
+        d->DeliverToPlugin(true);
+        return;
+    }
+    StDispatchCallback scope(d->plugin);
+    if (scope())
+        d->DeliverToPlugin(false);
+    else
+        gAllPlugins[static_cast<size_t>(d->plugin)].pending.PushFront(d);
+}
+
+// ---- Error reporting ------------------------------------------------------------
+
+void TVPMSendErrorTo(const char* msg, TVPMPluginID who) {
+    const PluginRecord* r = TVPMGetPluginRecord(who);
+    if (r && r->errorFunc) r->errorFunc(msg);
+}
+
+void TVPMSendError(const char* msg) { TVPMSendErrorTo(msg, gDispatchedPlugin); }
+
+int TVPMHasError() {
+    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    return r && r->errorFunc ? 1 : 0;
+}
+
+void TVPMLogPluginWarning(const char* msg) {
+    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    if (r) {
+        TVPMDebugString("[");
+        TVPMDebugString(r->name.c_str());
+        TVPMDebugString("]: ");
+    } else {
+        TVPMDebugString("[unknown]: ");
+    }
+    TVPMDebugString(msg);
+    TVPMDebugString("\n");
+}
+
+TVPM_API void TVPMSetErrorCallback(TVPMError_f inCallback) {
+    PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    if (r) r->errorFunc = inCallback;
+}
+
+// ---- Queries ---------------------------------------------------------------------
+
+TVPM_API TVPMPluginID TVPMGetMyID(void) { return gDispatchedPlugin; }
+
+TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
+
+TVPM_API TVPMPluginID TVPMGetNthPlugin(int inIndex) { return inIndex; }
+
+TVPM_API TVPMPluginID TVPMFindPluginByPath(const char* inPath) {
+    if (!inPath) return TVPM_NO_PLUGIN_ID;
+    std::string path(inPath);
+    if (!UsesNativePaths()) TVPMOldToUTF8(path);
+    for (size_t i = 0; i < gAllPlugins.size(); ++i)
+        if (gAllPlugins[i].path == path) return static_cast<TVPMPluginID>(i);
+    return TVPM_NO_PLUGIN_ID;
+}
+
+TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* inSignature) {
+    if (!inSignature) return TVPM_NO_PLUGIN_ID;
+    for (size_t i = 0; i < gAllPlugins.size(); ++i)
+        if (gAllPlugins[i].signature == inSignature) return static_cast<TVPMPluginID>(i);
+    return TVPM_NO_PLUGIN_ID;
+}
+
+TVPM_API void TVPMGetPluginInfo(TVPMPluginID inPlugin, char* outName, char* outFilePath,
+                                char* outSignature, char* outDescription) {
+    const PluginRecord* r = TVPMGetPluginRecord(inPlugin);
+    if (!r) return;
+    std::string path = r->path;
+    if (!UsesNativePaths()) TVPMUTF8ToOld(path);
+    CopyField(outName, r->name);
+    CopyField(outFilePath, path);
+    CopyField(outSignature, r->signature);
+    CopyField(outDescription, r->description);
+}
+
+TVPMPluginID TVPMPluginFromDLL(void* dll) {
+    if (!dll) return TVPM_NO_PLUGIN_ID;
+    for (size_t i = 0; i < gAllPlugins.size(); ++i)
+        if (gAllPlugins[i].dllRef == dll) return static_cast<TVPMPluginID>(i);
+    return TVPM_NO_PLUGIN_ID;
+}
+
+const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
+    TVPMPluginID id = TVPMPluginFromDLL(TVPMGetDLLForInstruction(ip));
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    if (!r) return nullptr;
+    if (out_id) *out_id = id;
+    return r->name.c_str();
+}
+
+// ---- Messages ----------------------------------------------------------------------
+
+TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID inPlugin, int inMessage, void* inParam) {
+    const TVPMPluginID count = TVPMCountPlugins();
+    if (inPlugin < TVPM_NO_PLUGIN_ID || inPlugin >= count) return;
+    const TVPMPluginID sender = gDispatchedPlugin;
+    const TVPMPluginID first = inPlugin == TVPM_NO_PLUGIN_ID ? 0 : inPlugin;
+    const TVPMPluginID last = inPlugin == TVPM_NO_PLUGIN_ID ? count - 1 : inPlugin;
+    for (TVPMPluginID id = first; id <= last && id < TVPMCountPlugins(); ++id) {
+        TVPMPluginReceiveMessage_f receive = gAllPlugins[static_cast<size_t>(id)].receiveMessageFunc;
+        if (!receive) continue;
+        StDispatchCallback scope(id);
+        if (scope()) receive(sender, inMessage, inParam);
+    }
+}
+
+// ---- Features ----------------------------------------------------------------------
+
+int TVPMHasFeatureInternal(TVPMPluginID id, int index) {
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    return r && index >= 0 && index < kFeatureCount ? r->features[index] : 0;
+}
+
+TVPM_API int TVPMHasFeature(const char* inFeature) { return FeatureIndex(inFeature) >= 0 ? 1 : 0; }
+
+TVPM_API int TVPMIsFeatureEnabled(const char* inFeature) {
+    int index;
+    const PluginRecord* r = FeatureOwner(inFeature, index);
+    return r ? r->features[index] : 0;
+}
+
+TVPM_API void TVPMEnableFeature(const char* inFeature, int inEnable) {
+    int index;
+    PluginRecord* r = FeatureOwner(inFeature, index);
+    if (r) r->features[index] = inEnable;
+}
+
+TVPM_API void TVPMEnumerateFeatures(TVPMFeatureEnumerator_f inEnumerator, void* inRef) {
+    if (!inEnumerator) return;
+    for (const char* name : kFeatureNames) inEnumerator(name, inRef);
+}

@@ -1,0 +1,408 @@
+// TVPMPrivate.h: internal machinery shared by every unit: host globals, the plugin table, dispatch scopes, deliveries and resource lists.
+#pragma once
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "TVPMHost.h"
+
+// ---------------------------------------------------------------------------
+// Host globals, written once by TVPMInitializePlugins.
+
+extern TVPMHooks* gHooks;
+extern void* gSelf;
+extern char gDirSeparator[2];
+extern pthread_t gPluginThread;
+
+// ---------------------------------------------------------------------------
+// Deferred deliveries: results of asynchronous work that reach a plugin only
+// while it is enabled.
+
+class TVPMDelivery {
+public:
+    TVPMDelivery() = default;
+    virtual ~TVPMDelivery() = default;
+    TVPMDelivery(const TVPMDelivery&) = delete;
+    TVPMDelivery& operator=(const TVPMDelivery&) = delete;
+
+    // Hands the result over (targetGone false) or, when the recipient no longer
+    // exists (targetGone true), only disposes of itself. Either way the delivery
+    // may delete itself.
+    virtual void DeliverToPlugin(bool targetGone) = 0;
+
+    void Unlink();
+    void InsertAfter(TVPMDelivery* where);
+
+    TVPMPluginID plugin = -1;
+    TVPMDelivery* next = nullptr;
+    TVPMDelivery* prev = nullptr;
+};
+
+// A queue head; never delivered itself.
+class TVPMDeliveryHead : public TVPMDelivery {
+public:
+    void DeliverToPlugin(bool) override {}
+    bool empty() const { return next == nullptr; }
+    TVPMDelivery* first() const { return next; }
+    void PushFront(TVPMDelivery* d) { d->InsertAfter(this); }
+};
+
+// Deliveries whose sender was unloaded while the work was in flight.
+extern TVPMDeliveryHead orphaned;
+
+void TVPMQueueDelivery(TVPMDelivery* d);
+void TVPMSendDelivery(TVPMDelivery* d);
+
+// ---------------------------------------------------------------------------
+// The plugin table.
+
+typedef int (*TVPMPluginStart_f)(char* outName, char* outSignature, char* outDescription);
+typedef void (*TVPMPluginStop_f)(void);
+typedef int (*TVPMPluginEnable_f)(void);
+typedef void (*TVPMPluginDisable_f)(void);
+typedef void (*TVPMPluginReceiveMessage_f)(TVPMPluginID inFrom, int inMessage, void* inParam);
+typedef void (*TVPMErrorCallback_f)(const char* inMessage);
+
+enum TVPMFeatureIndex {
+    kFeatureWantsReflections = 0,
+    kFeatureUseNativePaths = 1,
+    kFeatureUseNativeWidgetWindows = 2,
+    kFeatureWantsDatarefNotifications = 3,
+    kFeatureCount = 4,
+};
+
+struct PluginRecord {
+    void* dllRef = nullptr;
+    std::string name, path, signature, description;
+    TVPMPluginStop_f exitFunc = nullptr;
+    TVPMPluginEnable_f enableFunc = nullptr;
+    TVPMPluginDisable_f disableFunc = nullptr;
+    TVPMPluginReceiveMessage_f receiveMessageFunc = nullptr;
+    TVPMErrorCallback_f errorFunc = nullptr;
+    bool enabled = false;
+    int features[kFeatureCount] = {0, 0, 0, 0};
+    bool weatherUpdatePending = false;
+    TVPMDeliveryHead outstanding;
+    TVPMDeliveryHead pending;
+};
+
+// Indexed by TVPMPluginID. A deque, so that records (and the delivery queue
+// heads inside them) never move while plugins are appended or trimmed.
+extern std::deque<PluginRecord> gAllPlugins;
+
+// The plugin being called now (0 the host, -1 none) and the one that was
+// current when it was entered.
+extern TVPMPluginID gDispatchedPlugin;
+extern TVPMPluginID gClientPlugin;
+
+inline bool TVPMIsValidPluginID(TVPMPluginID id) {
+    return id >= 0 && static_cast<size_t>(id) < gAllPlugins.size();
+}
+inline PluginRecord* TVPMGetPluginRecord(TVPMPluginID id) {
+    return TVPMIsValidPluginID(id) ? &gAllPlugins[static_cast<size_t>(id)] : nullptr;
+}
+
+inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
+inline int TVPMGetDispatchedPlugin() { return gDispatchedPlugin; }
+inline void TVPMSetClientPlugin(int id) { gClientPlugin = id; }
+inline int TVPMGetClientPlugin() { return gClientPlugin; }
+
+// Error reporting to the current plugin's error callback (nothing is logged).
+void TVPMSendError(const char* msg);
+int TVPMHasError();
+void TVPMSendErrorTo(const char* msg, TVPMPluginID who);
+// Logs "[name]: msg" for the current plugin.
+void TVPMLogPluginWarning(const char* msg);
+// printf-style line to the simulator's log; a no-op before start-up.
+int TVPM_dprintf(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+
+int TVPMHasFeatureInternal(TVPMPluginID id, int index);
+TVPMPluginID TVPMPluginFromDLL(void* dll);
+const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id);
+const char* DebugCurrentPluginName();
+const char* DebugCurrentPluginSignature();
+
+// ---------------------------------------------------------------------------
+// Calling into a plugin.
+
+// Weather update opened by the current plugin and not yet closed, or -1.
+extern TVPMPluginID gPendingWeatherUpdate;
+// Closes and reports a weather update that a callback left open.
+void TVPMReportUnclosedWeatherUpdate();
+
+// Marks a plugin as the current plugin for the scope's lifetime; operator()
+// says whether the plugin may be called (it is enabled).
+class StDispatchCallback {
+public:
+    explicit StDispatchCallback(TVPMPluginID id)
+        : mOK(IsCallable(id)), mOld(gDispatchedPlugin), mReallyOld(gClientPlugin) {
+        gClientPlugin = gDispatchedPlugin;
+        gDispatchedPlugin = id;
+    }
+    ~StDispatchCallback() {
+        if (gPendingWeatherUpdate != -1) TVPMReportUnclosedWeatherUpdate();
+        gDispatchedPlugin = mOld;
+        gClientPlugin = mReallyOld;
+    }
+    StDispatchCallback(const StDispatchCallback&) = delete;
+    StDispatchCallback& operator=(const StDispatchCallback&) = delete;
+
+    bool operator()() const { return mOK; }
+
+private:
+    static bool IsCallable(TVPMPluginID id) {
+        if (gAllPlugins.empty()) return id == 0;
+        const PluginRecord* r = TVPMGetPluginRecord(id);
+        return r && r->enabled;
+    }
+
+    bool mOK;
+    TVPMPluginID mOld;
+    TVPMPluginID mReallyOld;
+};
+
+// ---------------------------------------------------------------------------
+// The plugin-thread check: first statement of every checked entry point.
+
+void __TVPMValidateThreadSafety(const char* func, const char* file, int line);
+
+#define TVPM_CHECK_THREAD(name) __TVPMValidateThreadSafety(name, __FILE__, __LINE__)
+
+// ---------------------------------------------------------------------------
+// Plugin-owned resource lists.
+
+// Assertion reports name this header and these fixed lines, so that a host's
+// assertion log stays comparable across builds.
+constexpr const char* kTVPMPrivateSource = "TVPM/TVPMPrivate.h";
+enum TVPMResourceListCheckLine {
+    kLineBeginIterate = 539,
+    kLineEndIterate = 547,
+    kLineHeadHasNoPrev = 581,
+    kLinePrevLinksBack = 584,
+    kLineNextLinksBack = 585,
+    kLineDeadMatchesChain = 590,
+    kLineDeadIsMarked = 595,
+    kLineDeadIsLinked = 599,
+};
+
+// True when the host supplied an assertion handler; checks are skipped otherwise.
+inline bool TVPMHasAssertHandler() { return gHooks && gHooks->TVPMHandleAssertFailed_f; }
+// Reports a failed internal check to the host's assertion handler, if any.
+inline void TVPMFailAssertion(const char* condition, const char* file, int line) {
+    if (TVPMHasAssertHandler()) gHooks->TVPMHandleAssertFailed_f(condition, file, line);
+}
+
+// Reports condition to the host when it is false (or when the host has no
+// handler, in which case reporting is a no-op).
+inline void TVPMCheck(bool ok, const char* condition, int line) {
+    if (!ok || !TVPMHasAssertHandler())
+        TVPMFailAssertion(condition, kTVPMPrivateSource, line);
+}
+
+// Base of every record kept in a TVPMResourceList; T derives from TVPMResource_t<T>.
+template <class T>
+class TVPMResource_t {
+public:
+    T* get_prev() const { return prev; }
+    T* get_next() const { return next; }
+    bool is_dead() const { return dead; }
+    T* get_next_dead() const { return next_dead; }
+
+    // Low-level layer: callers pass the list's head and dead pointers.
+    static void TVPMAddResource(T*& head, T*& /*deadHead*/, T* r) {
+        r->dead = false;
+        r->prev = nullptr;
+        r->next_dead = nullptr;
+        r->next = head;
+        if (head) head->prev = r;
+        head = r;
+    }
+    // Marks r dead and chains it for later purging; returns false if it was already dead.
+    static bool TVPMKillResource(T*& /*head*/, T*& deadHead, T* r, bool /*unused*/) {
+        if (r->dead) return false;
+        r->dead = true;
+        r->next_dead = deadHead;
+        deadHead = r;
+        return true;
+    }
+    // Unlinks r from the live chain and, when destroy is set, frees it.
+    static void TVPMRemoveResource(T*& head, T*& /*deadHead*/, T* r, bool destroy) {
+        if (head == r) head = r->next;
+        if (r->prev) r->prev->next = r->next;
+        if (r->next) r->next->prev = r->prev;
+        r->prev = r->next = nullptr;
+        if (destroy) delete r;
+    }
+    // Purges the whole dead chain.
+    static void TVPMCleanResources(T*& head, T*& deadHead) {
+        while (deadHead) {
+            T* d = deadHead;
+            deadHead = d->next_dead;
+            TVPMRemoveResource(head, deadHead, d, true);
+        }
+    }
+
+protected:
+    TVPMResource_t() = default;
+    ~TVPMResource_t() = default;
+
+private:
+    template <class U>
+    friend class TVPMResourceList;
+    T* next = nullptr;
+    bool dead = false;
+    T* prev = nullptr;
+    T* next_dead = nullptr;
+};
+
+// A list of plugin-owned records that callbacks may change while it is being
+// walked: a record removed during a walk is only marked dead and is freed when
+// the outermost walk ends. Plugin thread only.
+template <class T>
+class TVPMResourceList {
+    using R = TVPMResource_t<T>;
+
+public:
+    TVPMResourceList() = default;
+    TVPMResourceList(const TVPMResourceList&) = delete;
+    TVPMResourceList& operator=(const TVPMResourceList&) = delete;
+
+    void Add(T* r) {
+        Validate();
+        R::TVPMAddResource(head, dead, r);
+        Validate();
+    }
+
+    void Remove(T* r) {
+        Validate();
+        if (in_iterate == 0) {
+            R::TVPMRemoveResource(head, dead, r, true);
+        } else {
+            R::TVPMKillResource(head, dead, r, true);
+            needs_clean = true;
+        }
+        Validate();
+    }
+
+    T* BeginIterate() {
+        TVPMCheck(in_iterate >= 0, "in_iterate >= 0", kLineBeginIterate);
+        ++in_iterate;
+        return head;
+    }
+
+    void EndIterate() {
+        TVPMCheck(in_iterate > 0, "in_iterate > 0", kLineEndIterate);
+        in_iterate = in_iterate > 0 ? in_iterate - 1 : 0;
+        if (!needs_clean || in_iterate != 0) return;
+        Validate();
+        R::TVPMCleanResources(head, dead);
+        needs_clean = false;
+        Validate();
+    }
+
+    // Starts a walk that the caller runs from the tail towards the head with
+    // get_prev(); returns the tail (the back-most record).
+    T* BeginReverseIterate() {
+        T* tail = BeginIterate();
+        while (tail && tail->get_next()) tail = tail->get_next();
+        return tail;
+    }
+
+    void MoveToFront(T* r) {
+        Validate();
+        if (r != head) {
+            R::TVPMRemoveResource(head, dead, r, false);
+            R::TVPMAddResource(head, dead, r);
+        }
+        Validate();
+    }
+
+    void Clean() {
+        if (in_iterate != 0) return;
+        Validate();
+        R::TVPMCleanResources(head, dead);
+        needs_clean = false;
+        Validate();
+    }
+
+    void Validate() const {
+        if (!TVPMHasAssertHandler()) return;
+        TVPMCheck(!head || head->get_prev() == nullptr, "!head || head->get_prev() == NULL",
+                  kLineHeadHasNoPrev);
+        for (T* h = head; h; h = h->get_next()) {
+            TVPMCheck(h->get_prev() == nullptr || h->get_prev()->get_next() == h,
+                      "h->get_prev() == NULL || h->get_prev()->get_next() == h", kLinePrevLinksBack);
+            TVPMCheck(h->get_next() == nullptr || h->get_next()->get_prev() == h,
+                      "h->get_next() == NULL || h->get_next()->get_prev() == h", kLineNextLinksBack);
+            T* d = dead;
+            while (d && d != h) d = d->get_next_dead();
+            TVPMCheck(h->is_dead() == (d != nullptr), "h->is_dead() == (d != NULL)",
+                      kLineDeadMatchesChain);
+        }
+        for (T* d = dead; d; d = d->get_next_dead()) {
+            TVPMCheck(d->is_dead(), "d->is_dead()", kLineDeadIsMarked);
+            T* h = head;
+            while (h && h != d) h = h->get_next();
+            TVPMCheck(h != nullptr, "h != NULL", kLineDeadIsLinked);
+        }
+    }
+
+    // Read-only views for tests and diagnostics.
+    T* Head() const { return head; }
+    int IterationDepth() const { return in_iterate; }
+
+private:
+    T* head = nullptr;
+    T* dead = nullptr;
+    int in_iterate = 0;
+    bool needs_clean = false;
+};
+
+// Brackets a forward walk so that every exit path ends it (and purges).
+// Usage: for (TVPMWalk<T> w(list); T* r = w.Next();) { ... }
+template <class T>
+class TVPMWalk {
+public:
+    explicit TVPMWalk(TVPMResourceList<T>& l) : list(l), cur(l.BeginIterate()) {}
+    ~TVPMWalk() { list.EndIterate(); }
+    TVPMWalk(const TVPMWalk&) = delete;
+    TVPMWalk& operator=(const TVPMWalk&) = delete;
+
+    // The next live record, or null at the end. Records added during the walk
+    // land at the head and are not reached.
+    T* Next() {
+        while (cur && cur->is_dead()) cur = cur->get_next();
+        T* r = cur;
+        if (cur) cur = cur->get_next();
+        return r;
+    }
+
+private:
+    TVPMResourceList<T>& list;
+    T* cur;
+};
+
+// The same for a walk from the tail (back-most) towards the head (front-most).
+template <class T>
+class TVPMReverseWalk {
+public:
+    explicit TVPMReverseWalk(TVPMResourceList<T>& l) : list(l), cur(l.BeginReverseIterate()) {}
+    ~TVPMReverseWalk() { list.EndIterate(); }
+    TVPMReverseWalk(const TVPMReverseWalk&) = delete;
+    TVPMReverseWalk& operator=(const TVPMReverseWalk&) = delete;
+
+    T* Next() {
+        while (cur && cur->is_dead()) cur = cur->get_prev();
+        T* r = cur;
+        if (cur) cur = cur->get_prev();
+        return r;
+    }
+
+private:
+    TVPMResourceList<T>& list;
+    T* cur;
+};
