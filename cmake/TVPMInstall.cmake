@@ -1,7 +1,6 @@
 # Installs the library, the public headers and the plugin SDK's package files.
-add_library(TVPMHeaders INTERFACE)
-add_library(TVPM::Headers ALIAS TVPMHeaders)
-set_target_properties(TVPMHeaders PROPERTIES EXPORT_NAME Headers)
-target_include_directories(TVPMHeaders INTERFACE
-  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/Headers>
-  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+install(TARGETS TVPM TVPMHeaders EXPORT TVPMTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY Headers/TVPM DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES TVPM/include/TVPMHost.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT TVPMTargets NAMESPACE TVPM:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/TVPM)
