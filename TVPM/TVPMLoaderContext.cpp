@@ -68,17 +68,8 @@ TVPM_API const char* TVPMDebugGetCurrentPluginName(void) {
 void TVPMReportUnclosedWeatherUpdate() {
     const TVPMPluginID id = gDispatchedPlugin;
     TVPMWeatherCleanupHook(id);
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    if (r) {
-        TVPMDebugString("[");
-        TVPMDebugString(r->name.c_str());
-        TVPMDebugString("]: ");
-    } else {
-        TVPMDebugString("[unknown]: ");
-    }
-    TVPMDebugString(
+    TVPMLogPluginWarning(
         "TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate() from the same "
-        "callback. This is a plugin bug.\n");
-    if (r && r->errorFunc)
-        r->errorFunc("TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate()");
+        "callback. This is a plugin bug.");
+    TVPMSendErrorTo("TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate()", id);
 }
