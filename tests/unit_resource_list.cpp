@@ -332,8 +332,8 @@ TEST_F(ResourceList, RemovalOutsideAWalkFreesAtOnce) {
 }
 
 TEST_F(ResourceList, EarlyExitFromAWalkStillEndsIt) {
-    Add(2);
-    Rec* victim = Add(1);
+    Rec* victim = Add(2);
+    Add(1);
     auto findFirst = [&]() -> Rec* {
         for (TVPMWalk<Rec> w(list); Rec* r = w.Next();) {
             list.Remove(victim);
