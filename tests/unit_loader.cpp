@@ -314,3 +314,27 @@ TEST_F(Loader, PluginWarningsNameTheCurrentPlugin) {
     EXPECT_EQ(s_log, "[Alpha]: careful\n[unknown]: who?\n");
     EXPECT_TRUE(s_errors.empty());
 }
+
+TEST_F(Loader, ErrorsGoOnlyToAValidCurrentPluginThatListens) {
+    EXPECT_EQ(TVPMHasError(), 0);  // the simulator installed no callback
+    {
+        StDispatchCallback scope(1);
+        EXPECT_EQ(TVPMHasError(), 1);
+        TVPMSendError("first");
+        TVPMSetErrorCallback(nullptr);
+        EXPECT_EQ(TVPMHasError(), 0);
+        TVPMSendError("lost");
+        TVPMSetErrorCallback(PluginError);
+    }
+    TVPMSendErrorTo("second", 1);
+    TVPMSendErrorTo("nobody", 5);
+    TVPMSendErrorTo("nobody", -1);
+    {
+        StDispatchCallback scope(-1);
+        EXPECT_EQ(TVPMHasError(), 0);
+        TVPMSetErrorCallback(PluginError);  // no plugin to install it for
+        TVPMSendError("nobody");
+    }
+    EXPECT_EQ(gAllPlugins[0].errorFunc, nullptr);
+    EXPECT_EQ(s_errors, (std::vector<std::string>{"first", "second"}));
+}
