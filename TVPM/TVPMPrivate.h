@@ -175,19 +175,9 @@ void __TVPMValidateThreadSafety(const char* func, const char* file, int line);
 // ---------------------------------------------------------------------------
 // Plugin-owned resource lists.
 
-// Assertion reports name this header and these fixed lines, so that a host's
-// assertion log stays comparable across builds.
+// Resource-list assertion reports name this header and fixed lines (see
+// TVPMResourceList), so that a host's assertion log stays comparable across builds.
 constexpr const char* kTVPMPrivateSource = "TVPM/TVPMPrivate.h";
-enum TVPMResourceListCheckLine {
-    kLineBeginIterate = 539,
-    kLineEndIterate = 547,
-    kLineHeadHasNoPrev = 581,
-    kLinePrevLinksBack = 584,
-    kLineNextLinksBack = 585,
-    kLineDeadMatchesChain = 590,
-    kLineDeadIsMarked = 595,
-    kLineDeadIsLinked = 599,
-};
 
 // True when the host supplied an assertion handler; checks are skipped otherwise.
 inline bool TVPMHasAssertHandler() { return gHooks && gHooks->TVPMHandleAssertFailed_f; }
@@ -356,6 +346,17 @@ public:
     int IterationDepth() const { return in_iterate; }
 
 private:
+    enum CheckLine : int {
+        kLineBeginIterate = 539,
+        kLineEndIterate = 547,
+        kLineHeadHasNoPrev = 581,
+        kLinePrevLinksBack = 584,
+        kLineNextLinksBack = 585,
+        kLineDeadMatchesChain = 590,
+        kLineDeadIsMarked = 595,
+        kLineDeadIsLinked = 599,
+    };
+
     static void Check(bool ok, const char* condition, int line) {
         TVPMCheckAssertion(ok, condition, kTVPMPrivateSource, line);
     }
