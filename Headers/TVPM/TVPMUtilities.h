@@ -65,7 +65,64 @@ TVPM_API void* TVPMFindSymbol(const char* inString);
 TVPM_API void TVPMReloadScenery(void);
 
 /* ---- Commands ------------------------------------------------------------------ */
-/* (declared by the commands section below) */
+
+/* The phase of a command as its handlers see it. */
+typedef int TVPMCommandPhase;
+enum {
+    tvpm_CommandBegin = 0,    /* the command was pressed */
+    tvpm_CommandContinue = 1, /* it is being held */
+    tvpm_CommandEnd = 2       /* it was released */
+};
+
+/* A command handler. Return 1 to let processing go on (later handlers and,
+ * for a handler registered to run before, the simulator's own action), 0 to
+ * consume the command. */
+typedef int (*TVPMCommandCallback_f)(TVPMCommandRef inCommand, TVPMCommandPhase inPhase,
+                                     void* inRefcon);
+
+/* Finds a command by name; null when the simulator has no such command. */
+TVPM_API TVPMCommandRef TVPMFindCommand(const char* inName);
+/* Finds or creates a command. Names starting with "sim/" belong to the
+ * simulator: such a name is reported to the current plugin's error callback
+ * and logged, and the command is created anyway. */
+TVPM_API TVPMCommandRef TVPMCreateCommand(const char* inName, const char* inDescription);
+/* Presses a command and keeps it held for the current plugin: the simulator
+ * repeats it until TVPMCommandEnd, and releases it when the plugin is
+ * unloaded. Repeats pause while the plugin is disabled. */
+TVPM_API void TVPMCommandBegin(TVPMCommandRef inCommand);
+/* Releases a command held by the current plugin. */
+TVPM_API void TVPMCommandEnd(TVPMCommandRef inCommand);
+/* Presses and releases a command at once. */
+TVPM_API void TVPMCommandOnce(TVPMCommandRef inCommand);
+/* Adds a handler for a command, owned by the current plugin; refcon is passed
+ * back to it. A handler registered to run before the simulator (inBefore 1)
+ * runs ahead of the handlers registered earlier; one registered to run after
+ * (inBefore 0) runs behind them. Registering the same handler twice makes it
+ * run twice. Handlers of a disabled plugin are skipped; all of a plugin's
+ * handlers are removed when it is unloaded. */
+TVPM_API void TVPMRegisterCommandHandler(TVPMCommandRef inCommand,
+                                         TVPMCommandCallback_f inHandler, int inBefore,
+                                         void* inRefcon);
+/* Removes one registration of the current plugin matching all arguments;
+ * nothing happens when there is none. */
+TVPM_API void TVPMUnregisterCommandHandler(TVPMCommandRef inCommand,
+                                           TVPMCommandCallback_f inHandler, int inBefore,
+                                           void* inRefcon);
+/* Sends a legacy key stroke to the simulator. */
+TVPM_API void TVPMCommandKeyStroke(TVPMCommandKeyID inKey);
+/* Presses a legacy button; the simulator sees it held every frame until
+ * TVPMCommandButtonRelease. */
+TVPM_API void TVPMCommandButtonPress(TVPMCommandButtonID inButton);
+/* Releases a legacy button pressed with TVPMCommandButtonPress. */
+TVPM_API void TVPMCommandButtonRelease(TVPMCommandButtonID inButton);
+
+/* ---- Key names ----------------------------------------------------------------- */
+
+/* A short English name for a virtual key code (TVPM_VK_...), such as "A",
+ * "F1" or "Numpad-0"; "Unknown" for codes without a name [static-text].
+ * The key is compared as the signed char it is: the codes 0xB0 to 0xBD are
+ * negative as char and yield "Unknown". */
+TVPM_API const char* TVPMGetVirtualKeyDescription(char inVirtualKey);
 
 #ifdef __cplusplus
 }
