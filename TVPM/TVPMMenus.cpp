@@ -1,5 +1,6 @@
 // TVPMMenus.cpp: the mirror of every plugin menu, plugin-relative item indices, and menu picks and states for the simulator.
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,9 @@ struct TVPMMenuInfo_t {
     TVPMPluginID plugin;
 };
 
-std::vector<TVPMMenuInfo_t*> gMenus;
+// In creation order. Owned here, so that menus a host never shut down are
+// still freed with the library.
+std::vector<std::unique_ptr<TVPMMenuInfo_t>> gMenus;
 TVPMMenuInfo_t* gPluginMenu = nullptr;
 TVPMMenuInfo_t* gAircraftMenu = nullptr;
 // Plugins already told that the aircraft menu is not theirs.
@@ -48,13 +51,14 @@ constexpr int kHooksSizeWithDestroyMenu = 1320;
 const char* NonNull(const char* text) { return text ? text : ""; }
 
 TVPMMenuInfo_t* FindMenu(TVPMMenuID id) {
-    auto found = std::find(gMenus.begin(), gMenus.end(), static_cast<TVPMMenuInfo_t*>(id));
-    return found == gMenus.end() ? nullptr : *found;
+    for (const auto& menu : gMenus)
+        if (menu.get() == id) return menu.get();
+    return nullptr;
 }
 
 TVPMMenuInfo_t* FindMenuByHandle(intptr_t handle) {
-    for (TVPMMenuInfo_t* menu : gMenus)
-        if (menu->menuHandle == handle) return menu;
+    for (const auto& menu : gMenus)
+        if (menu->menuHandle == handle) return menu.get();
     return nullptr;
 }
 
@@ -112,10 +116,10 @@ void RemoveItemsOf(TVPMMenuInfo_t* menu, TVPMPluginID plugin) {
 
 // Frees a menu the host no longer shows; the shared menus are forgotten with it.
 void ForgetMenu(TVPMMenuInfo_t* menu) {
-    gMenus.erase(std::find(gMenus.begin(), gMenus.end(), menu));
     if (menu == gPluginMenu) gPluginMenu = nullptr;
     if (menu == gAircraftMenu) gAircraftMenu = nullptr;
-    delete menu;
+    gMenus.erase(std::find_if(gMenus.begin(), gMenus.end(),
+                              [menu](const auto& m) { return m.get() == menu; }));
 }
 
 bool AlreadyReported(TVPMPluginID id) {
@@ -170,8 +174,9 @@ TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, 
         parentItem = TVPMItemPluginToGlobal(parent, inParentItem, gDispatchedPlugin);
     }
     const intptr_t handle = gHooks->TVPMCreateMenu_f(parentHandle, parentItem, NonNull(inName));
-    gMenus.push_back(new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin});
-    return gMenus.back();
+    gMenus.push_back(std::unique_ptr<TVPMMenuInfo_t>(
+        new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin}));
+    return gMenus.back().get();
 }
 
 TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void* inItemRef,
@@ -243,7 +248,7 @@ TVPM_API void TVPMDestroyMenu(TVPMMenuID inMenuID) {
 }
 
 int TVPMHandleMenuItemPick(int inCode) {
-    for (const TVPMMenuInfo_t* menu : gMenus) {
+    for (const auto& menu : gMenus) {
         for (const TVPMItemInfo_t& item : menu->items) {
             if (item.itemCode != inCode) continue;
             if (!menu->handler || !item.itemEnable) return 0;
@@ -278,7 +283,7 @@ int TVPMHandleMenuItemEnable(intptr_t menuIndex, int itemIndex) {
 
 void TVPMMenuCleanupHook(TVPMPluginID id) {
     for (size_t i = 0; i < gMenus.size();) {
-        TVPMMenuInfo_t* menu = gMenus[i];
+        TVPMMenuInfo_t* menu = gMenus[i].get();
         if (menu->plugin != id) {
             ++i;
             continue;

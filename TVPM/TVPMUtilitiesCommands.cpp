@@ -116,20 +116,17 @@ TVPM_API TVPMCommandRef TVPMCreateCommand(const char* inName, const char* inDesc
 }
 
 TVPM_API void TVPMCommandBegin(TVPMCommandRef inCommand) {
-    if (!inCommand) return;
     gCommandMap[gDispatchedPlugin].insert(inCommand);
     gHooks->TVPMDoCommandBegin_f(inCommand);
 }
 
 TVPM_API void TVPMCommandEnd(TVPMCommandRef inCommand) {
-    if (!inCommand) return;
     const TVPMPluginID me = gDispatchedPlugin;
     gHooks->TVPMDoCommandEnd_f(inCommand);
     gCommandMap[me].erase(inCommand);
 }
 
 TVPM_API void TVPMCommandOnce(TVPMCommandRef inCommand) {
-    if (!inCommand) return;
     gHooks->TVPMDoCommandBegin_f(inCommand);
     gHooks->TVPMDoCommandEnd_f(inCommand);
 }

@@ -60,6 +60,7 @@ struct MenuHost {
         alpha = IdOf("alpha.tvp");
         beta = IdOf("beta.tvp");
     }
+    ~MenuHost() { host.Shutdown(); }
 
     int Append(const std::string& key, TVPMMenuID menu, const std::string& name,
                void* ref = nullptr) {

@@ -6,6 +6,9 @@
  * items in that menu, in menu order: in a shared menu every plugin sees its
  * items numbered from 0, whatever other plugins added.
  *
+ * An unknown menu or an item index the plugin does not have is reported to
+ * the current plugin's error callback, and the call changes nothing.
+ *
  * Every function here is [plugin-thread] and acts for the [current plugin].
  * Terms are defined in TVPMDefs.h.
  */
@@ -47,14 +50,14 @@ TVPM_API TVPMMenuID TVPMFindAircraftMenu(void);
 TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, int inParentItem,
                                    TVPMMenuHandler_f inHandler, void* inMenuRef);
 /* Destroys a menu the current plugin created, after removing the plugin's
- * items from it. Submenus and the parent's item stay. Other plugins' menus
- * are left alone. */
+ * items from it; the ID is invalid afterwards. Submenus and the parent's item
+ * stay. Other plugins' menus are left alone (not reported). */
 TVPM_API void TVPMDestroyMenu(TVPMMenuID inMenuID);
 /* Removes all of the current plugin's items from a menu it created, or from
- * the "Plugins" menu. */
+ * the "Plugins" menu; any other menu is left alone (not reported). */
 TVPM_API void TVPMClearAllMenuItems(TVPMMenuID inMenuID);
 /* Appends an item with the item refcon inItemRef; returns its index, or -1
- * for an unknown menu. inForceEnglish is ignored. */
+ * for an unknown menu (not reported). inForceEnglish is ignored. */
 TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void* inItemRef,
                                 int inForceEnglish);
 /* Appends an item that runs a simulator command when picked; returns its
