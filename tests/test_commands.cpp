@@ -422,3 +422,30 @@ TEST(Commands, AButtonPressedTwiceNeedsTwoReleases) {
     t.host.RunFrame();
     EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 0u);
 }
+
+namespace {
+// An aircraft plugin's handler that reloads the aircraft plugins, its own
+// plugin included, from within the dispatch.
+int ReloadAircraftPlugins(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
+    Note(cmd, phase, refcon);
+    TVPMReloadACFPlugins();
+    return 1;
+}
+}  // namespace
+
+TEST(Commands, AHandlerWhosePluginIsUnloadedDuringDispatchIsNotCalledAgain) {
+    TwoPlugins t;
+    t.host.userAircraftPath = t.sim.AddAircraft("glider", {"acfp"}, BuiltPlugin("scripted.tvp"));
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    t.Register("alpha.tvp", Note, 0, kA);
+    t.Register("acfp", ReloadAircraftPlugins, 0, kC);
+    t.Register("beta.tvp", Note, 0, kB);
+    const std::string a = std::to_string(t.alpha), b = std::to_string(t.beta);
+    const std::string c = std::to_string(IdOf("acfp"));
+
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
+    ASSERT_GT(IdOf("acfp"), 0) << "reloaded";
+    EXPECT_EQ(TVPMCommandHook(kCmd, 0, 1, 0), 1);
+    EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0/" + a, "C/0/" + c, "B/0/" + b, "A/2/" + a,
+                                                "B/2/" + b}));
+}

@@ -401,3 +401,24 @@ TEST(Menus, NullNamesReachTheHostAsEmptyText) {
         for (const std::string& arg : c.args) EXPECT_NE(arg, "null") << c.slot;
     EXPECT_EQ(t.host.Count("TVPMCreateMenu_f"), 2u);
 }
+
+namespace {
+TVPMMenuID s_pickedMenu = nullptr;
+void DestroyPickedMenu(void*, void*) { TVPMDestroyMenu(s_pickedMenu); }
+}  // namespace
+
+TEST(Menus, AHandlerMayDestroyItsOwnMenuWhilePicked) {
+    MenuHost t;
+    s_pickedMenu = RunAs<TVPMMenuID>("alpha.tvp", [] {
+        TVPMMenuID menu = TVPMCreateMenu("Once", nullptr, 0, DestroyPickedMenu, nullptr);
+        TVPMAppendMenuItem(menu, "Close me", nullptr, 0);
+        TVPMAppendMenuItem(menu, "Other", nullptr, 0);
+        return menu;
+    });
+    const int closeMe = s_nextItem - 2;
+    t.host.ClearCalls();
+    EXPECT_EQ(TVPMMenuHook(closeMe), 0);
+    EXPECT_EQ(t.host.Count("TVPMDestroyMenu_f"), 1u);
+    EXPECT_EQ(t.host.Count("TVPMRemoveMenuItem_f"), 2u);
+    EXPECT_EQ(TVPMMenuHook(closeMe), 1);
+}

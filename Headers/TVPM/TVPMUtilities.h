@@ -104,7 +104,8 @@ TVPM_API void TVPMRegisterCommandHandler(TVPMCommandRef inCommand,
                                          TVPMCommandCallback_f inHandler, int inBefore,
                                          void* inRefcon);
 /* Removes one registration of the current plugin matching all arguments;
- * nothing happens when there is none. */
+ * nothing happens when there is none. A handler may remove itself while it
+ * runs. */
 TVPM_API void TVPMUnregisterCommandHandler(TVPMCommandRef inCommand,
                                            TVPMCommandCallback_f inHandler, int inBefore,
                                            void* inRefcon);
@@ -120,8 +121,9 @@ TVPM_API void TVPMCommandButtonRelease(TVPMCommandButtonID inButton);
 
 /* A short English name for a virtual key code (TVPM_VK_...), such as "A",
  * "F1" or "Numpad-0"; "Unknown" for codes without a name [static-text].
- * The key is compared as the signed char it is: the codes 0xB0 to 0xBD are
- * negative as char and yield "Unknown". */
+ * The key is compared as the signed char it is: codes from 0x80 up (F17 to
+ * F24, and TVPM_VK_EQUAL to TVPM_VK_NUMPAD_EQ) are negative as char and
+ * yield "Unknown". */
 TVPM_API const char* TVPMGetVirtualKeyDescription(char inVirtualKey);
 
 #ifdef __cplusplus
