@@ -150,18 +150,15 @@ TVPM_API int TVPMRegisterDrawCallback(TVPMDrawCallback_f inCallback, TVPMDrawing
                                       int inWantsBefore, void* inRefcon) {
     TVPM_CHECK_THREAD("TVPMRegisterDrawCallback");
     if (!inCallback) return 0;
-    gDrawCallbacks.BeginIterate();
-    // Records removed during a walk still count as registered until it ends.
-    for (auto* r = gDrawCallbacks.Head(); r; r = r->get_next()) {
+    // Held over the scan and the insertion; the scan also sees records removed
+    // during a walk, which count as registered until the walk ends.
+    TVPMWalk<TVPMDrawCallbackRecord> walk(gDrawCallbacks);
+    for (auto* r = gDrawCallbacks.Head(); r; r = r->get_next())
         if (r->callback == inCallback && r->phase == inPhase && r->preCallback == inWantsBefore &&
-            r->refcon == inRefcon) {
-            gDrawCallbacks.EndIterate();
+            r->refcon == inRefcon)
             return 0;
-        }
-    }
     gDrawCallbacks.Add(
         new TVPMDrawCallbackRecord(inCallback, gDispatchedPlugin, inPhase, inWantsBefore, inRefcon));
-    gDrawCallbacks.EndIterate();
     return 1;
 }
 

@@ -91,12 +91,8 @@ int KeyToFocusWindow(char charCode, TVPMKeyFlags flags, char virtualCode, void* 
 // Unlike the other walks, this one also asks sniffers that were unregistered
 // while it runs; kept so on purpose.
 int KeyAfterWindows(char charCode, TVPMKeyFlags flags, char virtualCode) {
-    struct Walk {
-        Walk() : first(gKeyCallbacks.BeginIterate()) {}
-        ~Walk() { gKeyCallbacks.EndIterate(); }
-        TVPMKeyCallbackRecord* first;
-    } walk;
-    for (TVPMKeyCallbackRecord* r = walk.first; r; r = r->get_next())
+    TVPMWalk<TVPMKeyCallbackRecord> walk(gKeyCallbacks);  // held; its Next() would skip the dead
+    for (TVPMKeyCallbackRecord* r = gKeyCallbacks.Head(); r; r = r->get_next())
         if (!r->beforeWindows && AskSniffer(r, charCode, flags, virtualCode) == kConsumed)
             return kConsumed;
     return kNotConsumed;

@@ -1,7 +1,6 @@
 // TVPMDisplayPrivate.h: records, lists and helpers shared by the display units (drawing, windows, input, hot keys).
 #pragma once
 
-#include <deque>
 #include <string>
 #include <vector>
 

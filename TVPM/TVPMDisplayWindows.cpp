@@ -1,5 +1,6 @@
 // TVPMDisplayWindows.cpp: plugin windows: creation, destruction, stacking order, geometry, visibility and keyboard focus.
 #include <algorithm>
+#include <deque>
 
 #include "TVPMDisplayPrivate.h"
 #include "TVPMUnitHooks.h"
