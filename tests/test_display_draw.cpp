@@ -324,3 +324,55 @@ TEST_F(DrawTest, WindowDestroyingItselfWhileDrawnIsReplacedOnTheNextPass) {
     TVPMDoDrawingHook(21, 0, nullptr);
     EXPECT_EQ(g_calls, (std::vector<std::string>{"back", "front", "new"}));
 }
+
+namespace {
+bool g_reloadNow = false;
+void DrawAndReloadAircraft(TVPMWindowID, void* refcon) {
+    g_calls.push_back(static_cast<const char*>(refcon));
+    if (g_reloadNow) TVPMReloadACFPlugins();
+    g_reloadNow = false;
+}
+void DrawAndDisableBeta(TVPMWindowID, void* refcon) {
+    g_calls.push_back(static_cast<const char*>(refcon));
+    TVPMDisablePlugin(TVPMFindPluginBySignature("test.beta.tvp"));
+}
+}  // namespace
+
+TEST_F(DrawTest, AircraftPluginsReloadedDuringThePassLoseTheirOldWindowsSafely) {
+    rig.As("alpha.tvp", [] {
+        TVPMCreateWindow(0, 10, 10, 0, 1, DrawAndReloadAircraft, nullptr, nullptr, (void*)"reloader");
+    });
+    Script("gamma").enable = [] {
+        TVPMCreateWindow(0, 10, 10, 0, 1, DrawLabel, nullptr, nullptr, (void*)"gamma");
+        TVPMRegisterDrawCallback(Record, tvpm_Phase_Window, 0, (void*)"gamma-after");
+        return 1;
+    };
+    rig.LoadAircraftWithPlugin("gamma");
+    g_reloadNow = true;
+    TVPMDoDrawingHook(21, 0, nullptr);
+    // The old gamma window was destroyed by the reload before its turn and the
+    // new one was created during the pass; the new after-callback is in time
+    // for the after walk, which starts later.
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"reloader", "gamma-after:50:0"}));
+    g_calls.clear();
+    TVPMDoDrawingHook(21, 0, nullptr);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"reloader", "gamma", "gamma-after:50:0"}));
+}
+
+TEST_F(DrawTest, PluginDisabledDuringThePassIsNotDrawnAndItsSimulatorWindowsHide) {
+    rig.As("alpha.tvp", [] {
+        TVPMCreateWindow(0, 10, 10, 0, 1, DrawAndDisableBeta, nullptr, nullptr, (void*)"disabler");
+    });
+    rig.As("beta.tvp", [] {
+        TVPMCreateWindow(0, 10, 10, 0, 1, DrawLabel, nullptr, nullptr, (void*)"beta");
+        TVPMCreateWindow_t p{};
+        p.structSize = 88;
+        p.visible = 1;
+        TVPMTakeKeyboardFocus(TVPMCreateWindowEx(&p));
+    });
+    rig.host.ClearCalls();
+    TVPMDoDrawingHook(21, 0, nullptr);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"disabler"}));
+    EXPECT_EQ(rig.host.Count("TVPMHideGuiPluginWindow_f"), 1u);
+    EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1);
+}

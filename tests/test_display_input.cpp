@@ -472,3 +472,23 @@ TEST_F(InputTest, HotKeyMayUnregisterItselfAndRegisterAnotherWhileFiring) {
     EXPECT_EQ(g_events, (std::vector<std::string>{"self", "again:hotkey"}));
     EXPECT_EQ(TVPMCountHotKeys(), 1);
 }
+
+namespace {
+int DestroySelfOnDrag(TVPMWindowID self, int, int, TVPMMouseStatus s, void*) {
+    g_events.push_back("handler" + std::to_string(s));
+    if (s == tvpm_MouseDrag) TVPMDestroyWindow(self);
+    return 1;
+}
+}  // namespace
+
+TEST_F(InputTest, WindowDestroyedWhileHoldingMouseAndKeyboardReleasesBoth) {
+    TVPMWindowID w = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w", DestroySelfOnDrag);
+    rig.As("alpha.tvp", [&] { TVPMTakeKeyboardFocus(w); });
+    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 0);
+    Frame(2, 2);
+    Frame(3, 3);
+    EXPECT_EQ(TVPMMouseClickHook(3, 3, 0, 0, nullptr), 1);
+    EXPECT_EQ(PressKey('q', 0, TVPM_VK_Q), 3);
+    EXPECT_EQ(g_events, (std::vector<std::string>{"handler1", "handler2", "w:key0:losing"}));
+    rig.As("alpha.tvp", [] { EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1); });
+}
