@@ -51,9 +51,9 @@ constexpr DrawingHookCallSpec kHookKinds[] = {
 };
 constexpr int kHookKindCount = static_cast<int>(sizeof(kHookKinds) / sizeof(kHookKinds[0]));
 
-bool drawingHookKindToCallSpec(TVPMDrawingHookKind kind, DrawingHookCallSpec& spec) {
+bool drawingHookKindToCallSpec(TVPMDrawingHookKind kind, DrawingHookCallSpec& callSpec) {
     if (kind < 1 || kind >= kHookKindCount) return false;
-    spec = kHookKinds[kind];
+    callSpec = kHookKinds[kind];
     return true;
 }
 
@@ -68,10 +68,10 @@ bool SeesRenderType(TVPMPluginID plugin, int renderType) {
            TVPMHasFeatureInternal(plugin, kFeatureWantsReflections) != 0;
 }
 
-bool AnyCallbackNeeds(const DrawingHookCallSpec& spec, int renderType) {
+bool AnyCallbackNeeds(const DrawingHookCallSpec& callSpec, int renderType) {
     for (TVPMWalk<TVPMDrawCallbackRecord> walk(gDrawCallbacks); auto* r = walk.Next();) {
-        if (r->phase != spec.phase) continue;
-        if (r->preCallback != spec.doBefore && !(spec.doAfter && r->preCallback == 0)) continue;
+        if (r->phase != callSpec.phase) continue;
+        if (r->preCallback != callSpec.doBefore && !(callSpec.doAfter && r->preCallback == 0)) continue;
         if (!SeesRenderType(r->plugin, renderType)) continue;
         if (TVPMDisplayPluginEnabled(r->plugin)) return true;
     }
@@ -128,20 +128,20 @@ int TVPMDispatchDrawingHook(TVPMDrawingPhase inPhase, int isBefore, int render_t
 
 int TVPMDisplayNeedsDrawingHook(TVPMDrawingHookKind inKind, int inRenderType) {
     TVPM_CHECK_THREAD("TVPMDisplayNeedsDrawingHook");
-    DrawingHookCallSpec spec;
-    if (!drawingHookKindToCallSpec(inKind, spec)) return 0;
-    if (AnyCallbackNeeds(spec, inRenderType)) return 1;
+    DrawingHookCallSpec callSpec;
+    if (!drawingHookKindToCallSpec(inKind, callSpec)) return 0;
+    if (AnyCallbackNeeds(callSpec, inRenderType)) return 1;
     return inKind == kWindowAfterKind && AnyWindowNeedsDrawing() ? 1 : 0;
 }
 
 int TVPMDisplayDoDrawingHook(TVPMDrawingHookKind inKind, int inRenderType, void* inFixedWindow) {
     TVPM_CHECK_THREAD("TVPMDisplayDoDrawingHook");
-    DrawingHookCallSpec spec;
-    if (!drawingHookKindToCallSpec(inKind, spec)) return 1;
-    const int result = spec.doBefore ? TVPMDispatchDrawingHook(spec.phase, 1, inRenderType) : 1;
+    DrawingHookCallSpec callSpec;
+    if (!drawingHookKindToCallSpec(inKind, callSpec)) return 1;
+    const int result = callSpec.doBefore ? TVPMDispatchDrawingHook(callSpec.phase, 1, inRenderType) : 1;
     if (inKind == kWindowAfterKind) return DoWindowAfterHook(inRenderType, inFixedWindow);
-    if (spec.doAfter && !inFixedWindow) TVPMDispatchDrawingHook(spec.phase, 0, inRenderType);
-    return spec.forceReturn1 ? 1 : result;
+    if (callSpec.doAfter && !inFixedWindow) TVPMDispatchDrawingHook(callSpec.phase, 0, inRenderType);
+    return callSpec.forceReturn1 ? 1 : result;
 }
 
 // ---- Registration -------------------------------------------------------------------
