@@ -4,6 +4,7 @@
 #include <string>
 
 #include "TVPM/TVPMPlugin.h"
+#include "TVPMLoaderLifecycle.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -33,20 +34,25 @@ void BroadcastFromHost(int message, void* param) {
     TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, message, param);
 }
 
+// The aircraft and scenery events reshape the plugin table; a plugin that
+// sends one from inside its own start or stop gets only the broadcast.
 void OnPlaneLoaded(intptr_t index) {
     BroadcastFromHost(TVPM_MSG_PLANE_LOADED, reinterpret_cast<void*>(index));
-    if (index != 0) return;
-    std::string folder = TVPMUserAircraftFolder();
-    if (folder.empty()) return;
+    std::string folder;
+    if (index != 0 || TVPMLoaderBusy() || !TVPMGetUserAircraftFolder(folder)) return;
     TVPMFindAndLoadAcfPlugins(folder.c_str());
     TVPMEnableACFPlugins();
 }
 
 void OnPlaneUnloaded(intptr_t index) {
     BroadcastFromHost(TVPM_MSG_PLANE_UNLOADED, reinterpret_cast<void*>(index));
-    if (index != 0) return;
+    if (index != 0 || TVPMLoaderBusy()) return;
     TVPMDisableACFPlugins();
     TVPMUnloadAcfPlugin();
+}
+
+void OnRegisterScenery(const char* pack) {
+    if (!TVPMLoaderBusy()) TVPMFindAndLoadSceneryPlugins(pack);
 }
 
 void OnCheckNewDatarefs() {
@@ -109,6 +115,9 @@ TVPM_API int TVPMInitialized(void) { return gHooks ? 1 : 0; }
 
 TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float,
                            intptr_t inFuture1, intptr_t) {
+    // Libraries of plugins that unloaded themselves can go once the host
+    // calls in from outside any plugin.
+    TVPMCloseDeferredLibraries();
     switch (inEventType) {
         case tvpm_FlightLoopEvent:
             TVPMDoRepeatedButtons();
@@ -122,9 +131,7 @@ TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float
         case tvpm_PlaneLoaded: OnPlaneLoaded(inFuture1); break;
         case tvpm_PlaneUnloaded: OnPlaneUnloaded(inFuture1); break;
         case tvpm_CommandRepeat: TVPMCommandRepeatHook(); break;
-        case tvpm_RegisterScenery:
-            TVPMFindAndLoadSceneryPlugins(reinterpret_cast<const char*>(inFuture1));
-            break;
+        case tvpm_RegisterScenery: OnRegisterScenery(reinterpret_cast<const char*>(inFuture1)); break;
         case tvpm_FMODBankUnloading: {
             StDispatchCallback scope(0);
             TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, TVPM_MSG_FMOD_BANK_UNLOADING,
