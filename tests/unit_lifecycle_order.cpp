@@ -152,7 +152,7 @@ protected:
     void TearDown() override {
         gAllPlugins.clear();
         gCurrentAircraftPluginIDS.clear();
-        while (TVPMDelivery* d = orphaned.first()) d->Unlink();
+        orphaned.next = nullptr;
         s_steps.clear();
         s_weatherRefuses = false;
         s_enableResult = 1;
@@ -254,6 +254,7 @@ TEST_F(LifecycleOrder, UnloadOrphansCancelsStopsCleansAndCloses) {
     EXPECT_EQ(received.plugin, -1);
     EXPECT_EQ(sent.plugin, -1);
     EXPECT_EQ(orphaned.first(), &sent);
+    sent.Unlink();
     EXPECT_EQ(Plugin().dllRef, nullptr);
     EXPECT_EQ(TVPMCountPlugins(), 2);  // the record stays; IDs do not move
 }
