@@ -372,3 +372,34 @@ TEST(Discovery, NoPluginFolderAtAllStillStartsTheHostRecord) {
     EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()));
     host.Shutdown();
 }
+
+TEST(Discovery, PluginFolderThatIsNotAFolderLoadsNothing) {
+    FakeHost host;
+    SimFolder sim;
+    fs::remove_all(sim.PluginsDir());
+    sim.WriteFile("Resources/plugins", "a file where the folder should be");
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    EXPECT_EQ(TVPMCountPlugins(), 1);
+    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()));
+    host.Shutdown();
+}
+
+TEST(Discovery, SceneryPluginThatRefusesToStartLeavesTheOthersRunning) {
+    FakeHost host;
+    SimFolder sim;
+    const std::string pack = sim.AddSceneryPack("City", {"a", "b", "c"}, BuiltPlugin("scripted.tvp"));
+    Script("b").start = [](char*, char*, char*) { return 0; };
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    host.ClearCalls();
+    Journal().clear();
+    TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0);
+    EXPECT_EQ(Journal(), (std::vector<std::string>{"a:start", "b:start", "c:start", "a:enable", "c:enable"}));
+    EXPECT_EQ(host.Log(), Fetching(pack + "plugins") + Loaded(pack + "plugins/a/lin_x64/a.tvp", "test.a") +
+                              "Failed: " + pack +
+                              "plugins/b/lin_x64/b.tvp. (The plugin refused to start by returning 0 "
+                              "from TPluginStart.)\n\n" +
+                              Loaded(pack + "plugins/c/lin_x64/c.tvp", "test.c"));
+    EXPECT_EQ(TVPMFindPluginBySignature("test.c"), 2);
+    EXPECT_FALSE(IsMapped(pack + "plugins/b/lin_x64/b.tvp"));
+    host.Shutdown();
+}
