@@ -312,6 +312,32 @@ TEST(Lifecycle, AircraftPluginCanReloadItselfFromItsOwnCallback) {
     host.Shutdown();
 }
 
+TEST(Lifecycle, AircraftPluginUnloadedFromItsOwnCallbackKeepsItsCodeUntilItReturns) {
+    FakeHost host;
+    SimFolder sim;
+    host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
+    static std::string fmsPath;
+    fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
+    static bool mappedAfterUnload = false;
+    OnPoke("fms", [] {
+        FakeHost::Current().userAircraftPath = "";  // no aircraft folder: nothing comes back
+        TVPMReloadACFPlugins();
+        mappedAfterUnload = IsMapped(fmsPath);
+    });
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    ASSERT_TRUE(IsMapped(fmsPath));
+    Poke("fms");
+    EXPECT_EQ(JournalOf("fms"), (Lines{"fms:start", "fms:enable", "fms:message 7777 from 0",
+                                       "fms:disable", "fms:stop"}));
+    EXPECT_TRUE(mappedAfterUnload);
+    EXPECT_EQ(TVPMCountPlugins(), 1);
+    // The next call from the simulator finds no plugin code running: now it goes.
+    host.RunFrame();
+    EXPECT_FALSE(IsMapped(fmsPath));
+    host.Shutdown();
+}
+
 TEST(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
     FakeHost host;
     SimFolder sim;
