@@ -138,16 +138,17 @@ TVPM_API int TVPMSaveDataFile(TVPMDataFileType inFileType, const char* inFilePat
     return gHooks->TVPMSaveDataFile_f(inFileType, path.c_str());
 }
 
-// Before start-up there is no simulator to forward to: the calls do nothing.
+// Before start-up there is no simulator to forward to, and a null text means
+// nothing to the simulator: such calls do nothing.
 TVPM_API void TVPMSpeakString(const char* inString) {
-    if (gHooks) gHooks->TVPMSpeakString_f(const_cast<char*>(inString));
+    if (gHooks && inString) gHooks->TVPMSpeakString_f(const_cast<char*>(inString));
 }
 TVPM_API void TVPMSimulateKeyPress(int inKeyType, int inKey) {
     if (gHooks) gHooks->TVPMSimulateKeyPress_f(inKeyType, inKey);
 }
 TVPM_API int TVPMGetLanguage(void) { return gHooks ? gHooks->TVPMGetLanguage_f() : 0; }
 TVPM_API void* TVPMFindSymbol(const char* inString) {
-    return gHooks ? gHooks->TVPMFindSymbol_f(inString) : nullptr;
+    return gHooks && inString ? gHooks->TVPMFindSymbol_f(inString) : nullptr;
 }
 TVPM_API void TVPMReloadScenery(void) {
     if (gHooks) gHooks->TVPMShiftScenery_f();

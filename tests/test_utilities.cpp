@@ -203,6 +203,8 @@ TEST(Utilities, ForwardersPassThrough) {
     EXPECT_EQ(TVPMGetLanguage(), 3);
     EXPECT_EQ(TVPMFindSymbol("HostFunc"), &marker);
     TVPMReloadScenery();
+    TVPMSpeakString(nullptr);
+    EXPECT_EQ(TVPMFindSymbol(nullptr), nullptr);
     EXPECT_EQ(host.SlotSequence(), (Lines{"TVPMSpeakString_f", "TVPMSimulateKeyPress_f",
                                           "TVPMGetLanguage_f", "TVPMFindSymbol_f",
                                           "TVPMShiftScenery_f"}));
