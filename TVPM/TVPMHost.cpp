@@ -131,7 +131,9 @@ TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float
         case tvpm_PlaneLoaded: OnPlaneLoaded(inFuture1); break;
         case tvpm_PlaneUnloaded: OnPlaneUnloaded(inFuture1); break;
         case tvpm_CommandRepeat: TVPMCommandRepeatHook(); break;
-        case tvpm_RegisterScenery: OnRegisterScenery(reinterpret_cast<const char*>(inFuture1)); break;
+        case tvpm_RegisterScenery:
+            OnRegisterScenery(reinterpret_cast<const char*>(inFuture1));
+            break;
         case tvpm_FMODBankUnloading: {
             StDispatchCallback scope(0);
             TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, TVPM_MSG_FMOD_BANK_UNLOADING,

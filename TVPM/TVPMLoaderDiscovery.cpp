@@ -97,7 +97,8 @@ void AppendPluginRecord(void* dll, const std::string& path, const EntryPoints& e
 // Drops the table's last record (a plugin that never got going).
 void DropLastRecord(bool isAircraftPlugin) {
     gAllPlugins.pop_back();
-    if (isAircraftPlugin && !gCurrentAircraftPluginIDS.empty()) gCurrentAircraftPluginIDS.pop_back();
+    if (isAircraftPlugin && !gCurrentAircraftPluginIDS.empty())
+        gCurrentAircraftPluginIDS.pop_back();
 }
 
 // The first plugin whose signature equals signature, or -1.
@@ -149,8 +150,9 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     }
     const EntryPoints entry = ResolveEntryPoints(dll);
     if (!entry.start) {
-        LogOutcome("Failed: ", inPluginPath,
-                   ".  (This file is a loadable DLL but is missing the TPluginStart callback.)\n\n");
+        LogOutcome(
+            "Failed: ", inPluginPath,
+            ".  (This file is a loadable DLL but is missing the TPluginStart callback.)\n\n");
         TVPMUnloadDLL(dll);
         return TVPM_NO_PLUGIN_ID;
     }
@@ -171,7 +173,7 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
         return TVPM_NO_PLUGIN_ID;
     }
     // A plugin that filled a buffer to the brim still gets terminated text.
-    name[kTextBufferSize - 1] = signature[kTextBufferSize - 1] = description[kTextBufferSize - 1] = 0;
+    for (char* text : {name, signature, description}) text[kTextBufferSize - 1] = 0;
     TVPMSetDispatchedPlugin(caller);
     if (FindSignature(signature) != TVPM_NO_PLUGIN_ID) {
         RefuseDuplicate(id, inPluginPath, signature, isAircraftPlugin, caller);

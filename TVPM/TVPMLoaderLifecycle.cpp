@@ -51,8 +51,10 @@ bool IsEnabled(TVPMPluginID id) {
 // The plugin's own agreement, then the weather unit's; returns the state.
 int EnableAfterHooks(TVPMPluginID id) {
     PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
-    if (r.enableFunc) CallPluginEnable(id, r.enableFunc);
-    else r.enabled = true;
+    if (r.enableFunc)
+        CallPluginEnable(id, r.enableFunc);
+    else
+        r.enabled = true;
     if (!IsEnabled(id)) return 0;
     TVPMWeatherEnableHook(id);
     return IsEnabled(id) ? 1 : 0;
@@ -116,8 +118,10 @@ namespace {
 // file is loaded again meanwhile (by path or as a duplicate signature).
 void ForgetLibrary(PluginRecord& r, bool closeLater) {
     if (r.dllRef) {
-        if (closeLater) s_deferredCloses.push_back(r.dllRef);
-        else TVPMUnloadDLL(r.dllRef);
+        if (closeLater)
+            s_deferredCloses.push_back(r.dllRef);
+        else
+            TVPMUnloadDLL(r.dllRef);
     }
     r.dllRef = nullptr;
     r.exitFunc = nullptr;

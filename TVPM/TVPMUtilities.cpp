@@ -90,9 +90,8 @@ TVPM_API char* TVPMExtractFileAndPath(char* inFullPath) {
 }
 
 TVPM_API int TVPMGetDirectoryContents(const char* inDirectoryPath, int inFirstReturn,
-                                      char* outFileNames, int inFileNameBufSize,
-                                      char** outIndices, int inIndexCount, int* outTotalFiles,
-                                      int* outReturnedFiles) {
+                                      char* outFileNames, int inFileNameBufSize, char** outIndices,
+                                      int inIndexCount, int* outTotalFiles, int* outReturnedFiles) {
     std::vector<std::string> names;
     TVPMFetchDirectoryContents(inDirectoryPath, "*.*", names);
     if (!PluginWantsNativePaths())

@@ -67,7 +67,9 @@ std::string Loaded(const std::string& path, const std::string& signature) {
     return "Loaded: " + path + " (" + signature + ").\n\n";
 }
 
-std::string Fetching(const std::string& folder) { return "Fetching plugins for " + folder + "\n\n"; }
+std::string Fetching(const std::string& folder) {
+    return "Fetching plugins for " + folder + "\n\n";
+}
 
 void SetSignature(const std::string& key, const std::string& signature) {
     Script(key).start = [signature](char*, char* sig, char*) {
@@ -91,7 +93,8 @@ TEST(Discovery, LooseFilesLoadInByteOrderBeforeFatFolders) {
     sim.AddFat("c", "lin_x64", scripted);
     ASSERT_EQ(host.Start(sim.Root()), 23);
 
-    EXPECT_EQ(Starts(), (std::vector<std::string>{"Z.tvp", "a.tvp", "b.tvp", "c.TVP", "0fat", "c"}));
+    EXPECT_EQ(Starts(),
+              (std::vector<std::string>{"Z.tvp", "a.tvp", "b.tvp", "c.TVP", "0fat", "c"}));
     EXPECT_EQ(TVPMCountPlugins(), 7);
     EXPECT_EQ(TVPMFindPluginBySignature("test.Z.tvp"), 1);
     EXPECT_EQ(TVPMFindPluginBySignature("test.a.tvp"), 2);
@@ -180,7 +183,8 @@ TEST(Discovery, EveryRefusalIsLoggedWordForWordAndLeavesNothingBehind) {
     const std::string empty_sig = sim.AddLoose("h_empty.tvp", scripted);
     const std::string minimal = sim.AddLoose("i_minimal.tvp", BuiltPlugin("start_only.tvp"));
     const std::string fatNoStart = sim.AddFat("y_nostart", "64", BuiltPlugin("no_start.tvp"));
-    const std::string fatJunk = sim.WriteFile("Resources/plugins/z_junk/lin_x64/z_junk.tvp", "junk");
+    const std::string fatJunk =
+        sim.WriteFile("Resources/plugins/z_junk/lin_x64/z_junk.tvp", "junk");
     Script("e_refuses.tvp").start = [](char*, char*, char*) { return 0; };
     SetSignature("f_dup.tvp", "test.a_good.tvp");
     SetSignature("g_host.tvp", "norvel.torvane.torvane");
@@ -194,7 +198,8 @@ TEST(Discovery, EveryRefusalIsLoggedWordForWordAndLeavesNothingBehind) {
     expected += "Failed: " + ghost +
                 ".  (This file is missing, not a DLL or could not be loaded due to another missing "
                 "DLL.)\n\n";
-    for (const char* symbol : {"TPluginStart", "TPluginEnable", "TPluginDisable", "TPluginReceiveMessage"})
+    for (const char* symbol :
+         {"TPluginStart", "TPluginEnable", "TPluginDisable", "TPluginReceiveMessage"})
         expected += DlErrorLine(noStart, symbol);
     expected += "Failed: " + noStart +
                 ".  (This file is a loadable DLL but is missing the TPluginStart callback.)\n\n";
@@ -202,13 +207,17 @@ TEST(Discovery, EveryRefusalIsLoggedWordForWordAndLeavesNothingBehind) {
                 ". (The plugin refused to start by returning 0 from TPluginStart.)\n\n";
     expected += "Warning: " + dup +
                 " Signature: test.a_good.tvp. (A version of this plugin is already loaded.)\n";
-    expected += "Warning: " + host_sig +
-                " Signature: norvel.torvane.torvane. (A version of this plugin is already loaded.)\n";
-    expected += "Warning: " + empty_sig + " Signature: . (A version of this plugin is already loaded.)\n";
-    for (const char* symbol : {"TPluginStop", "TPluginEnable", "TPluginDisable", "TPluginReceiveMessage"})
+    expected +=
+        "Warning: " + host_sig +
+        " Signature: norvel.torvane.torvane. (A version of this plugin is already loaded.)\n";
+    expected +=
+        "Warning: " + empty_sig + " Signature: . (A version of this plugin is already loaded.)\n";
+    for (const char* symbol :
+         {"TPluginStop", "TPluginEnable", "TPluginDisable", "TPluginReceiveMessage"})
         expected += DlErrorLine(minimal, symbol);
     expected += Loaded(minimal, "test.start_only");
-    for (const char* symbol : {"TPluginStart", "TPluginEnable", "TPluginDisable", "TPluginReceiveMessage"})
+    for (const char* symbol :
+         {"TPluginStart", "TPluginEnable", "TPluginDisable", "TPluginReceiveMessage"})
         expected += DlErrorLine(fatNoStart, symbol);
     expected += "Failed: " + fatNoStart +
                 ".  (This file is a loadable DLL but is missing the TPluginStart callback.)\n\n";
@@ -325,8 +334,8 @@ TEST(Discovery, FolderEndingInDirIsListedTwiceAndItsSecondCopyIsADuplicate) {
     const std::string path = sim.AddFat("navdir", "lin_x64", BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
     EXPECT_EQ(TVPMCountPlugins(), 2);
-    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()) + Loaded(path, "test.navdir") + "Warning: " +
-                              path +
+    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()) + Loaded(path, "test.navdir") +
+                              "Warning: " + path +
                               " Signature: test.navdir. (A version of this plugin is already "
                               "loaded.)\n");
     // The first copy keeps running on the shared library.
@@ -387,18 +396,21 @@ TEST(Discovery, PluginFolderThatIsNotAFolderLoadsNothing) {
 TEST(Discovery, SceneryPluginThatRefusesToStartLeavesTheOthersRunning) {
     FakeHost host;
     SimFolder sim;
-    const std::string pack = sim.AddSceneryPack("City", {"a", "b", "c"}, BuiltPlugin("scripted.tvp"));
+    const std::string pack =
+        sim.AddSceneryPack("City", {"a", "b", "c"}, BuiltPlugin("scripted.tvp"));
     Script("b").start = [](char*, char*, char*) { return 0; };
     ASSERT_EQ(host.Start(sim.Root()), 23);
     host.ClearCalls();
     Journal().clear();
     TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0);
-    EXPECT_EQ(Journal(), (std::vector<std::string>{"a:start", "b:start", "c:start", "a:enable", "c:enable"}));
-    EXPECT_EQ(host.Log(), Fetching(pack + "plugins") + Loaded(pack + "plugins/a/lin_x64/a.tvp", "test.a") +
-                              "Failed: " + pack +
-                              "plugins/b/lin_x64/b.tvp. (The plugin refused to start by returning 0 "
-                              "from TPluginStart.)\n\n" +
-                              Loaded(pack + "plugins/c/lin_x64/c.tvp", "test.c"));
+    EXPECT_EQ(Journal(),
+              (std::vector<std::string>{"a:start", "b:start", "c:start", "a:enable", "c:enable"}));
+    EXPECT_EQ(host.Log(),
+              Fetching(pack + "plugins") + Loaded(pack + "plugins/a/lin_x64/a.tvp", "test.a") +
+                  "Failed: " + pack +
+                  "plugins/b/lin_x64/b.tvp. (The plugin refused to start by returning 0 "
+                  "from TPluginStart.)\n\n" +
+                  Loaded(pack + "plugins/c/lin_x64/c.tvp", "test.c"));
     EXPECT_EQ(TVPMFindPluginBySignature("test.c"), 2);
     EXPECT_FALSE(IsMapped(pack + "plugins/b/lin_x64/b.tvp"));
     host.Shutdown();

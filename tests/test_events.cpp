@@ -32,12 +32,18 @@ struct Broadcast {
 };
 
 constexpr Broadcast kBroadcasts[] = {
-    {tvpm_PlaneCrashed, 101, false},       {tvpm_PlaneLoaded, 102, true},
-    {tvpm_AirportLoaded, 103, false},      {tvpm_SceneryLoaded, 104, false},
-    {tvpm_AirplaneCountChanged, 105, false}, {tvpm_PlaneUnloaded, 106, true},
-    {tvpm_WritePrefs, 107, false},         {tvpm_LiveryChanged, 108, true},
-    {tvpm_EnteredVR, 109, true},           {tvpm_ExitingVR, 110, true},
-    {tvpm_FMODBankLoaded, 112, true},      {tvpm_FMODBankUnloading, 113, true},
+    {tvpm_PlaneCrashed, 101, false},
+    {tvpm_PlaneLoaded, 102, true},
+    {tvpm_AirportLoaded, 103, false},
+    {tvpm_SceneryLoaded, 104, false},
+    {tvpm_AirplaneCountChanged, 105, false},
+    {tvpm_PlaneUnloaded, 106, true},
+    {tvpm_WritePrefs, 107, false},
+    {tvpm_LiveryChanged, 108, true},
+    {tvpm_EnteredVR, 109, true},
+    {tvpm_ExitingVR, 110, true},
+    {tvpm_FMODBankLoaded, 112, true},
+    {tvpm_FMODBankUnloading, 113, true},
 };
 
 }  // namespace

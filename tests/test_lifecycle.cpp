@@ -25,9 +25,13 @@ bool IsMapped(const std::string& path) {
 }
 
 // Journal lines written since mark.
-Lines JournalSince(size_t mark) { return Lines(Journal().begin() + static_cast<long>(mark), Journal().end()); }
+Lines JournalSince(size_t mark) {
+    return Lines(Journal().begin() + static_cast<long>(mark), Journal().end());
+}
 
-TVPMPluginID IdOf(const std::string& key) { return TVPMFindPluginBySignature(("test." + key).c_str()); }
+TVPMPluginID IdOf(const std::string& key) {
+    return TVPMFindPluginBySignature(("test." + key).c_str());
+}
 
 // Makes key run action whenever it receives message 7777.
 void OnPoke(const std::string& key, std::function<void()> action) {
@@ -37,7 +41,9 @@ void OnPoke(const std::string& key, std::function<void()> action) {
 }
 void Poke(const std::string& key) { TVPMSendMessageToPlugin(IdOf(key), 7777, nullptr); }
 
-std::string Fetching(const std::string& folder) { return "Fetching plugins for " + folder + "\n\n"; }
+std::string Fetching(const std::string& folder) {
+    return "Fetching plugins for " + folder + "\n\n";
+}
 
 }  // namespace
 
@@ -95,7 +101,8 @@ TEST(Lifecycle, PluginThatDeclinesToEnableStaysLoadedAndDisabled) {
     EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
     EXPECT_EQ(TVPMIsPluginEnabled(2), 1);
     EXPECT_EQ(TVPMEnablePlugin(1), 0);
-    EXPECT_EQ(JournalOf("alpha.tvp"), (Lines{"alpha.tvp:start", "alpha.tvp:enable", "alpha.tvp:enable"}));
+    EXPECT_EQ(JournalOf("alpha.tvp"),
+              (Lines{"alpha.tvp:start", "alpha.tvp:enable", "alpha.tvp:enable"}));
 
     // It misses messages, others do not.
     TVPMSendMessageToPlugin(-1, 555, nullptr);
@@ -105,8 +112,7 @@ TEST(Lifecycle, PluginThatDeclinesToEnableStaysLoadedAndDisabled) {
     // Never enabled, so shut-down only stops it.
     const size_t mark = Journal().size();
     host.Shutdown();
-    EXPECT_EQ(JournalSince(mark),
-              (Lines{"beta.tvp:disable", "alpha.tvp:stop", "beta.tvp:stop"}));
+    EXPECT_EQ(JournalSince(mark), (Lines{"beta.tvp:disable", "alpha.tvp:stop", "beta.tvp:stop"}));
 }
 
 TEST(Lifecycle, PluginDisablesItselfFromItsOwnCallback) {
@@ -151,7 +157,8 @@ TEST(Lifecycle, ReloadAskedInsideACallbackRunsOnceAtTheEndOfTheFlightLoopPass) {
     Poke("alpha.tvp");
     Poke("alpha.tvp");
     // Nothing happened inside the callbacks.
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:message 7777 from 0", "alpha.tvp:message 7777 from 0"}));
+    EXPECT_EQ(JournalSince(mark),
+              (Lines{"alpha.tvp:message 7777 from 0", "alpha.tvp:message 7777 from 0"}));
     EXPECT_EQ(journalAfterRequest.back(), "alpha.tvp:message 7777 from 0");
     EXPECT_EQ(host.Count("TVPMDisplayModalAlert_f"), 0u);
 
@@ -162,13 +169,12 @@ TEST(Lifecycle, ReloadAskedInsideACallbackRunsOnceAtTheEndOfTheFlightLoopPass) {
                      "alpha.tvp:start", "beta:start", "alpha.tvp:enable", "beta:enable"}));
     const auto alerts = host.CallsTo("TVPMDisplayModalAlert_f");
     ASSERT_EQ(alerts.size(), 1u);
-    EXPECT_EQ(alerts[0].args,
-              (Lines{"\"Please place your new plugin in the plugins folder.\"",
-                     "\"I will then reload all plugins.\"", "\"\"", "\"\""}));
+    EXPECT_EQ(alerts[0].args, (Lines{"\"Please place your new plugin in the plugins folder.\"",
+                                     "\"I will then reload all plugins.\"", "\"\"", "\"\""}));
     EXPECT_EQ(host.Count("TVPMGetSystemPath_f"), 1u);
-    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()) +
-                              "Loaded: " + sim.PluginsDir() + "/alpha.tvp (test.alpha.tvp).\n\n" +
-                              "Loaded: " + sim.PluginsDir() + "/beta/lin_x64/beta.tvp (test.beta).\n\n");
+    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()) + "Loaded: " + sim.PluginsDir() +
+                              "/alpha.tvp (test.alpha.tvp).\n\n" + "Loaded: " + sim.PluginsDir() +
+                              "/beta/lin_x64/beta.tvp (test.beta).\n\n");
     EXPECT_EQ(TVPMCountPlugins(), 3);
     EXPECT_EQ(TVPMIsPluginEnabled(1), 1);
     EXPECT_EQ(TVPMIsPluginEnabled(2), 1);
@@ -235,8 +241,8 @@ TEST(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
     mark = Journal().size();
     EXPECT_EQ(TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0), 1);
     EXPECT_EQ(JournalSince(mark),
-              (Lines{"alpha.tvp:message 106 from 0", "fms:message 106 from 0", "wx:message 106 from 0",
-                     "fms:disable", "wx:disable", "fms:stop", "wx:stop"}));
+              (Lines{"alpha.tvp:message 106 from 0", "fms:message 106 from 0",
+                     "wx:message 106 from 0", "fms:disable", "wx:disable", "fms:stop", "wx:stop"}));
     EXPECT_EQ(TVPMCountPlugins(), 2);
     EXPECT_FALSE(IsMapped(fmsPath));
 
@@ -352,10 +358,11 @@ TEST(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
     EXPECT_EQ(JournalOf("fms"), (Lines{"fms:start", "fms:enable"}));
     EXPECT_EQ(TVPMCountPlugins(), 2);
     const std::string acfPlugins = sim.Root() + "Aircraft/Jet/plugins";
-    EXPECT_EQ(host.Log(), Fetching(acfPlugins) +
-                              "[fms/lin_x64/fms.tvp]: TVPMReloadACFPlugins called while plugins are "
-                              "being loaded or unloaded; ignored.\n" +
-                              "Loaded: " + acfPlugins + "/fms/lin_x64/fms.tvp (test.fms).\n\n");
+    EXPECT_EQ(host.Log(),
+              Fetching(acfPlugins) +
+                  "[fms/lin_x64/fms.tvp]: TVPMReloadACFPlugins called while plugins are "
+                  "being loaded or unloaded; ignored.\n" +
+                  "Loaded: " + acfPlugins + "/fms/lin_x64/fms.tvp (test.fms).\n\n");
     host.Shutdown();
 }
 
@@ -388,13 +395,16 @@ TEST(Lifecycle, SceneryPackPluginsAreLoadedThenEnabled) {
     FakeHost host;
     SimFolder sim;
     sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-    const std::string pack = sim.AddSceneryPack("City", {"trams", "lights"}, BuiltPlugin("scripted.tvp"));
+    const std::string pack =
+        sim.AddSceneryPack("City", {"trams", "lights"}, BuiltPlugin("scripted.tvp"));
     fs::copy_file(BuiltPlugin("scripted.tvp"), pack + "plugins/loose.tvp");
     ASSERT_EQ(host.Start(sim.Root()), 23);
     host.ClearCalls();
     const size_t mark = Journal().size();
-    EXPECT_EQ(TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0), 1);
-    EXPECT_EQ(JournalSince(mark), (Lines{"lights:start", "trams:start", "lights:enable", "trams:enable"}));
+    EXPECT_EQ(
+        TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0), 1);
+    EXPECT_EQ(JournalSince(mark),
+              (Lines{"lights:start", "trams:start", "lights:enable", "trams:enable"}));
     EXPECT_EQ(host.Log(), Fetching(pack + "plugins") + "Loaded: " + pack +
                               "plugins/lights/lin_x64/lights.tvp (test.lights).\n\n" + "Loaded: " +
                               pack + "plugins/trams/lin_x64/trams.tvp (test.trams).\n\n");

@@ -99,13 +99,15 @@ TEST(Utilities, ExtractFileAndPathSplitsInPlace) {
 TEST(Utilities, DirectoryContentsArePackedUntilTheBufferIsFull) {
     SimFolder sim;
     const std::string dir = sim.MakeDir("list");
-    for (const char* name : {"aaaa", "bb", "cccccc"}) sim.WriteFile(std::string("list/") + name, "x");
+    for (const char* name : {"aaaa", "bb", "cccccc"})
+        sim.WriteFile(std::string("list/") + name, "x");
     sim.MakeDir("list/sub");
 
     char buf[64];
     char* index[8] = {};
     int total = -1, returned = -1;
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, buf, sizeof buf, index, 8, &total, &returned), 1);
+    EXPECT_EQ(
+        TVPMGetDirectoryContents(dir.c_str(), 0, buf, sizeof buf, index, 8, &total, &returned), 1);
     EXPECT_EQ(total, 4);
     ASSERT_EQ(returned, 4);
     Lines names;
@@ -132,22 +134,26 @@ TEST(Utilities, DirectoryContentsArePackedUntilTheBufferIsFull) {
     EXPECT_EQ(std::string(buf), order[0]);
 
     // The index array limits too; a later start continues the listing.
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 1, buf, sizeof buf, index, 2, &total, &returned), 0);
+    EXPECT_EQ(
+        TVPMGetDirectoryContents(dir.c_str(), 1, buf, sizeof buf, index, 2, &total, &returned), 0);
     EXPECT_EQ(returned, 2);
     EXPECT_EQ(std::string(index[0]), order[1]);
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 3, buf, sizeof buf, index, 8, nullptr, &returned), 1);
+    EXPECT_EQ(
+        TVPMGetDirectoryContents(dir.c_str(), 3, buf, sizeof buf, index, 8, nullptr, &returned), 1);
     EXPECT_EQ(returned, 1);
     EXPECT_EQ(std::string(index[0]), order[3]);
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 4, buf, sizeof buf, index, 8, &total, &returned), 1);
+    EXPECT_EQ(
+        TVPMGetDirectoryContents(dir.c_str(), 4, buf, sizeof buf, index, 8, &total, &returned), 1);
     EXPECT_EQ(returned, 0);
 
     // Missing folder and null arguments: an empty listing, no crash.
-    EXPECT_EQ(TVPMGetDirectoryContents((dir + "/none").c_str(), 0, buf, sizeof buf, index, 8, &total,
-                                       &returned),
+    EXPECT_EQ(TVPMGetDirectoryContents((dir + "/none").c_str(), 0, buf, sizeof buf, index, 8,
+                                       &total, &returned),
               1);
     EXPECT_EQ(total, 0);
     EXPECT_EQ(TVPMGetDirectoryContents(nullptr, 0, nullptr, 0, nullptr, 0, nullptr, nullptr), 1);
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, nullptr, 100, nullptr, 0, &total, &returned), 0);
+    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, nullptr, 100, nullptr, 0, &total, &returned),
+              0);
     EXPECT_EQ(total, 4);
     EXPECT_EQ(returned, 0);
 }
@@ -205,9 +211,9 @@ TEST(Utilities, ForwardersPassThrough) {
     TVPMReloadScenery();
     TVPMSpeakString(nullptr);
     EXPECT_EQ(TVPMFindSymbol(nullptr), nullptr);
-    EXPECT_EQ(host.SlotSequence(), (Lines{"TVPMSpeakString_f", "TVPMSimulateKeyPress_f",
-                                          "TVPMGetLanguage_f", "TVPMFindSymbol_f",
-                                          "TVPMShiftScenery_f"}));
+    EXPECT_EQ(host.SlotSequence(),
+              (Lines{"TVPMSpeakString_f", "TVPMSimulateKeyPress_f", "TVPMGetLanguage_f",
+                     "TVPMFindSymbol_f", "TVPMShiftScenery_f"}));
     EXPECT_EQ(host.Calls()[1].args, (Lines{"1", "65"}));
     EXPECT_EQ(host.Calls()[3].args, (Lines{"\"HostFunc\""}));
     host.Shutdown();

@@ -53,14 +53,17 @@ TVPM_API int TVPMEnablePlugin(TVPMPluginID id) {
     Step("enable %d", id);
     return 1;
 }
-void* TVPMLoadDLL(const char* path) { return std::string(path) == "/sim/Resources/plugins/one.tvp" ? kDll : nullptr; }
+void* TVPMLoadDLL(const char* path) {
+    return std::string(path) == "/sim/Resources/plugins/one.tvp" ? kDll : nullptr;
+}
 void TVPMUnloadDLL(void* dll) { Step("close %p", dll); }
 void* TVPMFindSymbol(void*, const char* symbol, int inLogErrors) {
     Step("find %s %d", symbol, inLogErrors);
     auto it = s_exports.find(symbol);
     return it == s_exports.end() ? nullptr : it->second;
 }
-void TVPMFetchDirectoryContents(const char* path, const char* pattern, std::vector<std::string>& out) {
+void TVPMFetchDirectoryContents(const char* path, const char* pattern,
+                                std::vector<std::string>& out) {
     if (std::string(path) == "/sim/Resources/plugins" && std::string(pattern) == "*.tvp")
         out.push_back("one.tvp");
 }
@@ -112,9 +115,9 @@ using Steps = std::vector<std::string>;
 
 TEST_F(DiscoveryRefusals, AllFiveEntryPointsAreLookedUpBeforeStarting) {
     TVPMFindAndLoadPlugins("/sim/");
-    EXPECT_EQ(LoadSteps(), (Steps{"find TPluginStart 1", "find TPluginStop 1", "find TPluginEnable 1",
-                                  "find TPluginDisable 1", "find TPluginReceiveMessage 1",
-                                  "TPluginStart"}));
+    EXPECT_EQ(LoadSteps(),
+              (Steps{"find TPluginStart 1", "find TPluginStop 1", "find TPluginEnable 1",
+                     "find TPluginDisable 1", "find TPluginReceiveMessage 1", "TPluginStart"}));
     ASSERT_EQ(TVPMCountPlugins(), 2);
     EXPECT_EQ(gAllPlugins[1].exitFunc, FakeStop);
     EXPECT_EQ(gAllPlugins[1].enableFunc, nullptr);
@@ -125,9 +128,9 @@ TEST_F(DiscoveryRefusals, AllFiveEntryPointsAreLookedUpBeforeStarting) {
 TEST_F(DiscoveryRefusals, WithoutTPluginStartTheOthersAreStillLookedUpThenTheLibraryCloses) {
     s_exports.erase("TPluginStart");
     TVPMFindAndLoadPlugins("/sim/");
-    EXPECT_EQ(LoadSteps(), (Steps{"find TPluginStart 1", "find TPluginStop 1", "find TPluginEnable 1",
-                                  "find TPluginDisable 1", "find TPluginReceiveMessage 1",
-                                  "close 0x5"}));
+    EXPECT_EQ(LoadSteps(),
+              (Steps{"find TPluginStart 1", "find TPluginStop 1", "find TPluginEnable 1",
+                     "find TPluginDisable 1", "find TPluginReceiveMessage 1", "close 0x5"}));
     EXPECT_EQ(TVPMCountPlugins(), 1);
 }
 
@@ -140,7 +143,8 @@ TEST_F(DiscoveryRefusals, RefusedStartReleasesWhatThePluginRegisteredAndRestores
     EXPECT_EQ(id, -1);
     const Steps steps = LoadSteps();
     ASSERT_GE(steps.size(), 3u);
-    EXPECT_EQ(Steps(steps.end() - 3, steps.end()), (Steps{"TPluginStart", "cleanup 2", "close 0x5"}));
+    EXPECT_EQ(Steps(steps.end() - 3, steps.end()),
+              (Steps{"TPluginStart", "cleanup 2", "close 0x5"}));
     EXPECT_EQ(s_currentInStart, 2);
     EXPECT_EQ(gDispatchedPlugin, 1);
     EXPECT_EQ(TVPMCountPlugins(), 2);

@@ -114,7 +114,8 @@ TEST(DllUtils, CodeAddressesMapToTheLibraryHoldingThem) {
 TEST(DllUtils, SuffixPatternMatchesWithoutCaseAndDirListsFolders) {
     TempDir dir;
     for (const char* name : {"A.TVP", "b.tvp", "c.tvp.bak", "tvp", "x.tvpx"}) dir.File(name);
-    for (const char* name : {"plain", "navdir", "folder.tvp"}) fs::create_directory(dir.path + "/" + name);
+    for (const char* name : {"plain", "navdir", "folder.tvp"})
+        fs::create_directory(dir.path + "/" + name);
     fs::create_symlink(dir.path + "/gone", dir.path + "/dangling");
 
     EXPECT_EQ(Fetch(dir.path, "*.tvp"), (Names{"A.TVP", "b.tvp", "folder.tvp"}));

@@ -35,7 +35,8 @@ void TVPMReportUnclosedWeatherUpdate() {}
 
 TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID to, int message, void* param) {
     if (message == TVPM_MSG_DATAREFS_ADDED)
-        Step("send %d %d total=%d as %d", to, message, *static_cast<int*>(param), gDispatchedPlugin);
+        Step("send %d %d total=%d as %d", to, message, *static_cast<int*>(param),
+             gDispatchedPlugin);
     else
         Step("send %d %d %p as %d", to, message, param, gDispatchedPlugin);
 }
@@ -101,7 +102,7 @@ protected:
 
 TEST_F(EventHook, FrameEventsRunTheirUnitsInOrder) {
     EXPECT_EQ(Send(tvpm_FlightLoopEvent, 0), (Steps{"close deferred", "repeated buttons",
-                                                   "sound housekeeping", "flight loops 0.25 0"}));
+                                                    "sound housekeeping", "flight loops 0.25 0"}));
     EXPECT_EQ(Send(tvpm_FlightLoopDoneEvent, 0), (Steps{"close deferred", "flight loops 0.25 10"}));
     EXPECT_EQ(Send(tvpm_CameraChangedHook, 0), (Steps{"close deferred", "release camera"}));
     EXPECT_EQ(Send(tvpm_CommandRepeat, 0), (Steps{"close deferred", "command repeat"}));
@@ -111,8 +112,9 @@ TEST_F(EventHook, FrameEventsRunTheirUnitsInOrder) {
 }
 
 TEST_F(EventHook, UserAircraftLoadBroadcastsThenLoadsAndEnablesItsPlugins) {
-    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), (Steps{"close deferred", "send -1 102 (nil) as 0",
-                                               "load aircraft /sim/Aircraft/Jet", "enable aircraft"}));
+    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0),
+              (Steps{"close deferred", "send -1 102 (nil) as 0", "load aircraft /sim/Aircraft/Jet",
+                     "enable aircraft"}));
     EXPECT_EQ(Send(tvpm_PlaneLoaded, 2), (Steps{"close deferred", "send -1 102 0x2 as 0"}));
     s_aircraftFolder = nullptr;
     EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), (Steps{"close deferred", "send -1 102 (nil) as 0"}));
@@ -120,7 +122,7 @@ TEST_F(EventHook, UserAircraftLoadBroadcastsThenLoadsAndEnablesItsPlugins) {
 
 TEST_F(EventHook, UserAircraftUnloadBroadcastsThenDisablesAndUnloads) {
     EXPECT_EQ(Send(tvpm_PlaneUnloaded, 0), (Steps{"close deferred", "send -1 106 (nil) as 0",
-                                                 "disable aircraft", "unload aircraft"}));
+                                                  "disable aircraft", "unload aircraft"}));
     EXPECT_EQ(Send(tvpm_PlaneUnloaded, 3), (Steps{"close deferred", "send -1 106 0x3 as 0"}));
 }
 
@@ -128,7 +130,8 @@ TEST_F(EventHook, EventsSentWhilePluginsAreLoadingOnlyBroadcast) {
     s_busy = true;
     EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), (Steps{"close deferred", "send -1 102 (nil) as 0"}));
     EXPECT_EQ(Send(tvpm_PlaneUnloaded, 0), (Steps{"close deferred", "send -1 106 (nil) as 0"}));
-    EXPECT_EQ(Send(tvpm_RegisterScenery, reinterpret_cast<intptr_t>("/pack/")), (Steps{"close deferred"}));
+    EXPECT_EQ(Send(tvpm_RegisterScenery, reinterpret_cast<intptr_t>("/pack/")),
+              (Steps{"close deferred"}));
 }
 
 TEST_F(EventHook, SceneryRegistrationHandsOverThePackFolder) {

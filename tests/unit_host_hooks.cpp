@@ -13,8 +13,10 @@ std::string s_last;
 void Put(std::ostringstream&) {}
 template <class T, class... Rest>
 void Put(std::ostringstream& out, T first, Rest... rest) {
-    if constexpr (std::is_same_v<T, char>) out << ' ' << static_cast<int>(first);
-    else out << ' ' << first;
+    if constexpr (std::is_same_v<T, char>)
+        out << ' ' << static_cast<int>(first);
+    else
+        out << ' ' << first;
     Put(out, rest...);
 }
 template <class... A>
@@ -34,40 +36,129 @@ TVPMMapProjectionID const P = reinterpret_cast<TVPMMapProjectionID>(0x88);
 
 // ---- recording units ------------------------------------------------------------------
 
-int TVPMDisplayNeedsDrawingHook(TVPMDrawingHookKind k, int r) { Rec("NeedsDrawing", k, r); return 11; }
-int TVPMDisplayDoDrawingHook(TVPMDrawingHookKind k, int r, void* w) { Rec("DoDrawing", k, r, w); return 12; }
-int TVPMDisplayMouseClickHook(int x, int y, TVPMMouseStatus s, int b, void* w) { Rec("MouseClick", x, y, s, b, w); return 13; }
-int TVPMDisplayKeyPressHook(char c, TVPMKeyFlags f, char v, int p, void* w) { Rec("KeyPress", c, f, v, p, w); return 14; }
-TVPMCursorStatus TVPMDisplayCursorHook(int x, int y, void* w) { Rec("Cursor", x, y, w); return 15; }
-int TVPMDisplayScrollWheelHook(int x, int y, int wh, int c, void* w) { Rec("Scroll", x, y, wh, c, w); return 16; }
-int TVPMDisplayBezelClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) { Rec("BezelClick", d, x, y, s, w); return 21; }
-int TVPMDisplayBezelRightClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) { Rec("BezelRightClick", d, x, y, s, w); return 22; }
-int TVPMDisplayScreenClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) { Rec("ScreenClick", d, x, y, s, w); return 23; }
-int TVPMDisplayScreenRightClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) { Rec("ScreenRightClick", d, x, y, s, w); return 24; }
-int TVPMDisplayBezelScrollHook(int d, int x, int y, int wh, int c, void* w) { Rec("BezelScroll", d, x, y, wh, c, w); return 25; }
-int TVPMDisplayScreenScrollHook(int d, int x, int y, int wh, int c, void* w) { Rec("ScreenScroll", d, x, y, wh, c, w); return 26; }
-int TVPMDisplayBezelCursorHook(int d, int x, int y, void* w) { Rec("BezelCursor", d, x, y, w); return 27; }
-int TVPMDisplayScreenCursorHook(int d, int x, int y, void* w) { Rec("ScreenCursor", d, x, y, w); return 28; }
-int TVPMDisplayNeedsAvionicsBrightnessHook(int d, void* w) { Rec("NeedsBrightness", d, w); return 29; }
-float TVPMDisplayDoAvionicsBrightnessHook(int d, float r, float c, float b, void* w) { Rec("DoBrightness", d, r, c, b, w); return 0.5f; }
-int TVPMDisplayNeedsAvionicsBezelHook(int d, void* w) { Rec("NeedsBezel", d, w); return 30; }
+int TVPMDisplayNeedsDrawingHook(TVPMDrawingHookKind k, int r) {
+    Rec("NeedsDrawing", k, r);
+    return 11;
+}
+int TVPMDisplayDoDrawingHook(TVPMDrawingHookKind k, int r, void* w) {
+    Rec("DoDrawing", k, r, w);
+    return 12;
+}
+int TVPMDisplayMouseClickHook(int x, int y, TVPMMouseStatus s, int b, void* w) {
+    Rec("MouseClick", x, y, s, b, w);
+    return 13;
+}
+int TVPMDisplayKeyPressHook(char c, TVPMKeyFlags f, char v, int p, void* w) {
+    Rec("KeyPress", c, f, v, p, w);
+    return 14;
+}
+TVPMCursorStatus TVPMDisplayCursorHook(int x, int y, void* w) {
+    Rec("Cursor", x, y, w);
+    return 15;
+}
+int TVPMDisplayScrollWheelHook(int x, int y, int wh, int c, void* w) {
+    Rec("Scroll", x, y, wh, c, w);
+    return 16;
+}
+int TVPMDisplayBezelClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) {
+    Rec("BezelClick", d, x, y, s, w);
+    return 21;
+}
+int TVPMDisplayBezelRightClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) {
+    Rec("BezelRightClick", d, x, y, s, w);
+    return 22;
+}
+int TVPMDisplayScreenClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) {
+    Rec("ScreenClick", d, x, y, s, w);
+    return 23;
+}
+int TVPMDisplayScreenRightClickHook(int d, int x, int y, TVPMMouseStatus s, void* w) {
+    Rec("ScreenRightClick", d, x, y, s, w);
+    return 24;
+}
+int TVPMDisplayBezelScrollHook(int d, int x, int y, int wh, int c, void* w) {
+    Rec("BezelScroll", d, x, y, wh, c, w);
+    return 25;
+}
+int TVPMDisplayScreenScrollHook(int d, int x, int y, int wh, int c, void* w) {
+    Rec("ScreenScroll", d, x, y, wh, c, w);
+    return 26;
+}
+int TVPMDisplayBezelCursorHook(int d, int x, int y, void* w) {
+    Rec("BezelCursor", d, x, y, w);
+    return 27;
+}
+int TVPMDisplayScreenCursorHook(int d, int x, int y, void* w) {
+    Rec("ScreenCursor", d, x, y, w);
+    return 28;
+}
+int TVPMDisplayNeedsAvionicsBrightnessHook(int d, void* w) {
+    Rec("NeedsBrightness", d, w);
+    return 29;
+}
+float TVPMDisplayDoAvionicsBrightnessHook(int d, float r, float c, float b, void* w) {
+    Rec("DoBrightness", d, r, c, b, w);
+    return 0.5f;
+}
+int TVPMDisplayNeedsAvionicsBezelHook(int d, void* w) {
+    Rec("NeedsBezel", d, w);
+    return 30;
+}
 void TVPMDisplayDoAvionicsBezelHook(int d, void* w, float* t) { Rec("DoBezel", d, w, t); }
-int TVPMDisplayNeedsAvionicsScreenHook(int d, void* w, int b) { Rec("NeedsScreen", d, w, b); return 31; }
-int TVPMDisplayDoAvionicsScreenHook(int d, void* w, int b) { Rec("DoScreen", d, w, b); return 32; }
-void TVPMDisplayDoAvionicsKeyHook(int d, char k, TVPMKeyFlags f, char v, int l, void* w) { Rec("AvionicsKey", d, k, f, v, l, w); }
-int TVPMMapNeedsLayerDrawingHooks() { Rec("MapNeeds"); return 41; }
-void TVPMMapDoLayerDrawingHook(void* h, const float* b, float z, float u, TVPMMapStyle s, TVPMMapProjectionID p) { Rec("MapDraw", h, b, z, u, s, p); }
+int TVPMDisplayNeedsAvionicsScreenHook(int d, void* w, int b) {
+    Rec("NeedsScreen", d, w, b);
+    return 31;
+}
+int TVPMDisplayDoAvionicsScreenHook(int d, void* w, int b) {
+    Rec("DoScreen", d, w, b);
+    return 32;
+}
+void TVPMDisplayDoAvionicsKeyHook(int d, char k, TVPMKeyFlags f, char v, int l, void* w) {
+    Rec("AvionicsKey", d, k, f, v, l, w);
+}
+int TVPMMapNeedsLayerDrawingHooks() {
+    Rec("MapNeeds");
+    return 41;
+}
+void TVPMMapDoLayerDrawingHook(void* h, const float* b, float z, float u, TVPMMapStyle s,
+                               TVPMMapProjectionID p) {
+    Rec("MapDraw", h, b, z, u, s, p);
+}
 void TVPMMapHandleCreation(const char* id) { Rec("MapCreated", id); }
 void TVPMMapDoLayerWillBeDeletedHook(void* h) { Rec("MapLayerDeleted", h); }
-void TVPMMapDoLayerPrepareCacheHook(void* h, const float* b, TVPMMapProjectionID p) { Rec("MapCache", h, b, p); }
-int TVPMAdjustCamera(float* x, float*, float*, float*, float*, float*, float* zoom) { Rec("Camera", x, zoom); return 51; }
-int TVPMHandleMenuItemPick(int code) { Rec("MenuPick", code); return 61; }
-int TVPMHandleMenuItemCheck(intptr_t m, int i, int* out) { Rec("MenuCheck", m, i, out); return 62; }
-int TVPMHandleMenuItemEnable(intptr_t m, int i) { Rec("MenuEnable", m, i); return 63; }
-void TVPMHandleUpdatePlaneNameAndPath(int i, char* n, char* p) { Rec("PlaneName", i, static_cast<void*>(n), static_cast<void*>(p)); }
-int TVPMHandleGetNumberPlanesToHandle(int n, int l) { Rec("PlanesToHandle", n, l); return 71; }
-int TVPMDispatchCommandHook(void* c, int d, int u, int b) { Rec("Command", c, d, u, b); return 81; }
-void StCallbackTimer::get_plugin_timings(tvpm_plugin_time_callback* cb) { Rec("Timings", reinterpret_cast<void*>(cb)); }
+void TVPMMapDoLayerPrepareCacheHook(void* h, const float* b, TVPMMapProjectionID p) {
+    Rec("MapCache", h, b, p);
+}
+int TVPMAdjustCamera(float* x, float*, float*, float*, float*, float*, float* zoom) {
+    Rec("Camera", x, zoom);
+    return 51;
+}
+int TVPMHandleMenuItemPick(int code) {
+    Rec("MenuPick", code);
+    return 61;
+}
+int TVPMHandleMenuItemCheck(intptr_t m, int i, int* out) {
+    Rec("MenuCheck", m, i, out);
+    return 62;
+}
+int TVPMHandleMenuItemEnable(intptr_t m, int i) {
+    Rec("MenuEnable", m, i);
+    return 63;
+}
+void TVPMHandleUpdatePlaneNameAndPath(int i, char* n, char* p) {
+    Rec("PlaneName", i, static_cast<void*>(n), static_cast<void*>(p));
+}
+int TVPMHandleGetNumberPlanesToHandle(int n, int l) {
+    Rec("PlanesToHandle", n, l);
+    return 71;
+}
+int TVPMDispatchCommandHook(void* c, int d, int u, int b) {
+    Rec("Command", c, d, u, b);
+    return 81;
+}
+void StCallbackTimer::get_plugin_timings(tvpm_plugin_time_callback* cb) {
+    Rec("Timings", reinterpret_cast<void*>(cb));
+}
 
 namespace {
 void TimingSink(uint64_t, const TVPMPluginID*, const TVPMPluginCallbackType*, const double*) {}

@@ -231,10 +231,11 @@ TEST_F(LifecycleOrder, TheSimulatorsRecordAndBadIdsCallNoHook) {
 TEST_F(LifecycleOrder, DisableMarksThePluginOffBeforeItsOwnEntryPoint) {
     Plugin().enabled = true;
     TVPMDisablePlugin(1);
-    EXPECT_EQ(s_steps, (Steps{"TVPMDisplayDisablePrePluginDisableHook 1", "TVPMInstanceDisableHook 1",
-                              "TVPMCameraDisableHook 1", "TPluginDisable current=1 enabled=0",
-                              "TVPMPlaneDisableHook 1", "TVPMDisplayDisablePostPluginDisableHook 1",
-                              "TVPMFMODDisableHook 1", "TVPMWeatherDisableHook 1"}));
+    EXPECT_EQ(s_steps,
+              (Steps{"TVPMDisplayDisablePrePluginDisableHook 1", "TVPMInstanceDisableHook 1",
+                     "TVPMCameraDisableHook 1", "TPluginDisable current=1 enabled=0",
+                     "TVPMPlaneDisableHook 1", "TVPMDisplayDisablePostPluginDisableHook 1",
+                     "TVPMFMODDisableHook 1", "TVPMWeatherDisableHook 1"}));
     EXPECT_EQ(gDispatchedPlugin, 0);
 }
 
@@ -245,12 +246,13 @@ TEST_F(LifecycleOrder, UnloadOrphansCancelsStopsCleansAndCloses) {
     Plugin().outstanding.PushFront(&sent);
     Plugin().pending.PushFront(&received);
     UnloadOnePlugin(1);
-    EXPECT_EQ(s_steps,
-              (Steps{"deliver received gone=1 current=0", "TPluginStop current=1 enabled=0",
-                     "TVPMCommandCleanupHook 1", "TVPMDisplayCleanupHook 1", "TVPMInstanceCleanupHook 1",
-                     "TVPMProcessingCleanupHook 1", "TVPMCameraCleanupHook 1", "TVPMMenuCleanupHook 1",
-                     "TVPMPlaneCleanupHook 1", "TVPMDataRefsCleanupHook 1", "TVPMSceneryCleanupHook 1",
-                     "TVPMFMODCleanupHook 1", "TVPMWeatherCleanupHook 1", "close 0x1"}));
+    EXPECT_EQ(
+        s_steps,
+        (Steps{"deliver received gone=1 current=0", "TPluginStop current=1 enabled=0",
+               "TVPMCommandCleanupHook 1", "TVPMDisplayCleanupHook 1", "TVPMInstanceCleanupHook 1",
+               "TVPMProcessingCleanupHook 1", "TVPMCameraCleanupHook 1", "TVPMMenuCleanupHook 1",
+               "TVPMPlaneCleanupHook 1", "TVPMDataRefsCleanupHook 1", "TVPMSceneryCleanupHook 1",
+               "TVPMFMODCleanupHook 1", "TVPMWeatherCleanupHook 1", "close 0x1"}));
     EXPECT_EQ(received.plugin, -1);
     EXPECT_EQ(sent.plugin, -1);
     EXPECT_EQ(orphaned.first(), &sent);
@@ -273,25 +275,26 @@ TEST_F(LifecycleOrder, ReloadRunsEveryStepInOrder) {
     gScheduleReload = true;
     TVPMReloadPluginsInternal();
     EXPECT_FALSE(gScheduleReload);
-    EXPECT_EQ(s_steps,
-              (Steps{"TVPMDisplayDisablePrePluginDisableHook 1", "TVPMInstanceDisableHook 1",
-                     "TVPMCameraDisableHook 1", "TPluginDisable current=1 enabled=0",
-                     "TVPMPlaneDisableHook 1", "TVPMDisplayDisablePostPluginDisableHook 1",
-                     "TVPMFMODDisableHook 1", "TVPMWeatherDisableHook 1",
-                     "TPluginStop current=1 enabled=0", "TVPMCommandCleanupHook 1",
-                     "TVPMDisplayCleanupHook 1", "TVPMInstanceCleanupHook 1",
-                     "TVPMProcessingCleanupHook 1", "TVPMCameraCleanupHook 1", "TVPMMenuCleanupHook 1",
-                     "TVPMPlaneCleanupHook 1", "TVPMDataRefsCleanupHook 1", "TVPMSceneryCleanupHook 1",
-                     "TVPMFMODCleanupHook 1", "TVPMWeatherCleanupHook 1", "close 0x1",
-                     "alert [Please place your new plugin in the plugins folder.] [I will then reload all "
-                     "plugins.] [] []",
-                     "system path", "FindAndLoadPlugins /sim/", "plane name 0",
-                     "FindAndLoadAcfPlugins /sim/Aircraft/Jet",
-                     // the stand-in plugins have no entry points of their own
-                     "TVPMDisplayEnableHook 1", "TVPMInstanceEnableHook 1", "TVPMWeatherEnableHook 1",
-                     "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1", "TVPMDisplayEnableHook 2",
-                     "TVPMInstanceEnableHook 2", "TVPMWeatherEnableHook 2",
-                     "TVPMDisplaySyncGuiWindowStateWithPluginHook 2 1"}));
+    EXPECT_EQ(
+        s_steps,
+        (Steps{
+            "TVPMDisplayDisablePrePluginDisableHook 1", "TVPMInstanceDisableHook 1",
+            "TVPMCameraDisableHook 1", "TPluginDisable current=1 enabled=0",
+            "TVPMPlaneDisableHook 1", "TVPMDisplayDisablePostPluginDisableHook 1",
+            "TVPMFMODDisableHook 1", "TVPMWeatherDisableHook 1", "TPluginStop current=1 enabled=0",
+            "TVPMCommandCleanupHook 1", "TVPMDisplayCleanupHook 1", "TVPMInstanceCleanupHook 1",
+            "TVPMProcessingCleanupHook 1", "TVPMCameraCleanupHook 1", "TVPMMenuCleanupHook 1",
+            "TVPMPlaneCleanupHook 1", "TVPMDataRefsCleanupHook 1", "TVPMSceneryCleanupHook 1",
+            "TVPMFMODCleanupHook 1", "TVPMWeatherCleanupHook 1", "close 0x1",
+            "alert [Please place your new plugin in the plugins folder.] [I will then reload all "
+            "plugins.] [] []",
+            "system path", "FindAndLoadPlugins /sim/", "plane name 0",
+            "FindAndLoadAcfPlugins /sim/Aircraft/Jet",
+            // the stand-in plugins have no entry points of their own
+            "TVPMDisplayEnableHook 1", "TVPMInstanceEnableHook 1", "TVPMWeatherEnableHook 1",
+            "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1", "TVPMDisplayEnableHook 2",
+            "TVPMInstanceEnableHook 2", "TVPMWeatherEnableHook 2",
+            "TVPMDisplaySyncGuiWindowStateWithPluginHook 2 1"}));
     EXPECT_EQ(gCurrentAircraftPluginIDS, (std::vector<TVPMPluginID>{2}));
 }
 
