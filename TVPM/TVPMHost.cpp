@@ -115,6 +115,9 @@ TVPM_API int TVPMInitialized(void) { return gHooks ? 1 : 0; }
 
 TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float,
                            intptr_t inFuture1, intptr_t) {
+    // Before start-up, after a refused table and after shut-down there is no
+    // plugin table: nothing to route, and no aircraft plugin may load.
+    if (!gHooks || gAllPlugins.empty()) return 1;
     // Libraries of plugins that unloaded themselves can go once the host
     // calls in from outside any plugin.
     TVPMCloseDeferredLibraries();

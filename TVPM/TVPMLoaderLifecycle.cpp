@@ -209,6 +209,7 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
 TVPM_API void TVPMReloadPlugins(void) { gScheduleReload = true; }
 
 TVPM_API void TVPMReloadACFPlugins(void) {
+    if (!gHooks || gAllPlugins.empty()) return;  // not started, or shut down
     if (TVPMLoaderBusy()) return ReportRefusedAircraftReload();
     StLoaderBusy busy;
     TVPMDisableACFPlugins();

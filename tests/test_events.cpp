@@ -122,3 +122,25 @@ TEST(Events, AMessageHandlerSeesItselfAsCurrentAndTheSimulatorAsCaller) {
     EXPECT_EQ(TVPMGetMyID(), 0);
     host.Shutdown();
 }
+
+TEST(Events, EventsBeforeStartUpAndAfterShutDownDoNothing) {
+    FakeHost host;
+    SimFolder sim;
+    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+    host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
+    for (int kind = 0; kind <= 20; ++kind)
+        EXPECT_EQ(TVPMEventHook(static_cast<TVPMEventKind>(kind), 0, 0, 0, 0), 1);
+    TVPMReloadACFPlugins();
+    EXPECT_TRUE(Journal().empty());
+
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    host.Shutdown();
+    host.ClearCalls();
+    Journal().clear();
+    EXPECT_EQ(TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0), 1);
+    EXPECT_EQ(TVPMEventHook(tvpm_AirportLoaded, 0, 0, 0, 0), 1);
+    TVPMReloadACFPlugins();
+    EXPECT_TRUE(Journal().empty());
+    EXPECT_TRUE(host.Calls().empty());
+    EXPECT_EQ(TVPMCountPlugins(), 0);
+}

@@ -91,14 +91,29 @@ Steps Send(TVPMEventKind kind, intptr_t param, float dt = 0.25f) {
 
 class EventHook : public ::testing::Test {
 protected:
+    void SetUp() override {
+        gHooks = &hooks;
+        gAllPlugins.resize(4);
+    }
     void TearDown() override {
+        gHooks = nullptr;
+        gAllPlugins.clear();
         s_newItems = false;
         s_busy = false;
         s_aircraftFolder = "/sim/Aircraft/Jet";
     }
+    TVPMHooks hooks{};
 };
 
 }  // namespace
+
+TEST_F(EventHook, NothingIsRoutedWithoutAPluginTable) {
+    gAllPlugins.clear();
+    EXPECT_EQ(Send(tvpm_FlightLoopEvent, 0), Steps{});
+    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), Steps{});
+    gHooks = nullptr;
+    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), Steps{});
+}
 
 TEST_F(EventHook, FrameEventsRunTheirUnitsInOrder) {
     EXPECT_EQ(Send(tvpm_FlightLoopEvent, 0), (Steps{"close deferred", "repeated buttons",
