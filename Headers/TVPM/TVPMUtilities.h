@@ -17,26 +17,33 @@ extern "C" {
 
 /* ---- Log, versions and paths ----------------------------------------------- */
 
-/* Writes text to the simulator's log as it stands (add your own "\n"). */
+/* Writes text to the simulator's log exactly as given (add your own "\n");
+ * null is ignored. Nothing is written before the simulator has started TVPM. */
 TVPM_API void TVPMDebugString(const char* inString);
-/* Fills the simulator's version, TVPM's interface version (421) and the
- * host application ID; each pointer may be null. */
+/* Fills the simulator's version, TVPM's interface version (always 421) and
+ * the host application ID; each pointer may be null. */
 TVPM_API void TVPMGetVersions(int* outTorvaneVersion, int* outTVPMVersion,
                               TVPMHostApplicationID* outHostID);
 /* The simulator's root folder, ending with the separator [caller-buffer of
- * 512 bytes]. */
+ * 512 bytes]; null is ignored. */
 TVPM_API void TVPMGetSystemPath(char* outSystemPath);
-/* The full path of the simulator's preferences file [caller-buffer of 512 bytes]. */
+/* The full path of the simulator's preferences file [caller-buffer of 512
+ * bytes]; null is ignored. */
 TVPM_API void TVPMGetPrefsPath(char* outPrefsPath);
 /* The directory separator, "/" [static-text]. */
 TVPM_API const char* TVPMGetDirectorySeparator(void);
-/* Splits inFullPath in place: returns a pointer to the file part and leaves
- * the folder part in inFullPath. */
+/* Splits inFullPath in place at its last separator (a trailing separator is
+ * dropped first): returns a pointer into inFullPath to the file part and
+ * leaves the folder part in inFullPath. Without a separator the whole string
+ * is the file part. Null gives null. */
 TVPM_API char* TVPMExtractFileAndPath(char* inFullPath);
-/* Lists a folder: from entry inFirstReturn on, packs zero-terminated names
- * into outFileNames (inFileNameBufSize bytes) and pointers to them into
- * outIndices (inIndexCount entries, may be null). Returns 1 when the last
- * entry was returned. */
+/* Lists a folder's entries in the file system's order. From entry
+ * inFirstReturn on, copies zero-terminated names one after another into
+ * outFileNames (inFileNameBufSize bytes, owned by the caller) and a pointer to
+ * each into outIndices (room for inIndexCount; may be null), stopping at the
+ * first name that does not fit. outTotalFiles gets the number of entries,
+ * outReturnedFiles the number copied (each may be null). Returns 1 when the
+ * listing reached the last entry, 0 when more remain. */
 TVPM_API int TVPMGetDirectoryContents(const char* inDirectoryPath, int inFirstReturn,
                                       char* outFileNames, int inFileNameBufSize,
                                       char** outIndices, int inIndexCount, int* outTotalFiles,
@@ -49,8 +56,9 @@ enum {
     tvpm_DataFile_ReplayMovie = 2
 };
 
-/* Loads or saves a situation or replay file; returns the simulator's result,
- * 0 for an unknown file type. */
+/* Loads or saves a situation or replay file and returns the simulator's
+ * result. Any other file type is reported to the [current plugin]'s error
+ * callback and returns 0 without reaching the simulator. */
 TVPM_API int TVPMLoadDataFile(TVPMDataFileType inFileType, const char* inFilePath);
 TVPM_API int TVPMSaveDataFile(TVPMDataFileType inFileType, const char* inFilePath);
 /* Speaks text through the simulator's speech output. */
