@@ -101,6 +101,7 @@ protected:
         gAllPlugins[0].name = "simulator";
         gAllPlugins[0].enabled = true;
         PluginRecord& p = gAllPlugins.emplace_back();
+        p.dllRef = dlopen(nullptr, RTLD_NOW);  // any open library stands in for the plugin's
         p.name = "Alpha";
         p.signature = "test.alpha";
         p.enableFunc = PluginEnable;
