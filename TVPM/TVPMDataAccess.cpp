@@ -13,6 +13,7 @@ TVPMDataBlock_t* gDataFree = nullptr;
 std::atomic<int> gDataCount{0};
 int gPrevDataCount = 0;
 TVPMDataMap& gDataRefs = *new TVPMDataMap;
+TVPMDataIndex& gDataIndex = *new TVPMDataIndex;
 std::mutex& gDataLock = *new std::mutex;
 std::map<TVPMPluginID, std::set<std::string>>& usedOldDatarefs =
     *new std::map<TVPMPluginID, std::set<std::string>>;
@@ -107,8 +108,8 @@ void FillRecord(TVPMData_t* d, TVPMDataTypeID type, int writable, const TVPMAcce
 // Finds or makes the record for name; null (after reporting) when the name is
 // live under an owner, in which case existing gets that owner's record.
 TVPMData_t* RecordForRegistration(const char* name, TVPMData_t*& existing) {
-    auto found = gDataRefs.find(std::string_view(name));
-    if (found != gDataRefs.end()) {
+    auto found = gDataIndex.find(std::string_view(name));
+    if (found != gDataIndex.end()) {
         if (found->second->plugin != -1) {
             TVPMSendError("Dataref is already registered by someone else.");
             existing = found->second;
@@ -119,6 +120,7 @@ TVPMData_t* RecordForRegistration(const char* name, TVPMData_t*& existing) {
     TVPMData_t* d = AllocDataRef();
     auto inserted = gDataRefs.emplace(name, d).first;
     d->name = inserted->first.c_str();
+    gDataIndex.emplace(inserted->first, d);
     return d;
 }
 
@@ -192,8 +194,8 @@ TVPM_API TVPMDataRef TVPMFindDataRef(const char* inDataRefName) {
     TVPMData_t* d = nullptr;
     {
         std::lock_guard<std::mutex> lock(gDataLock);
-        auto found = gDataRefs.find(std::string_view(inDataRefName));
-        if (found != gDataRefs.end()) d = found->second;
+        auto found = gDataIndex.find(std::string_view(inDataRefName));
+        if (found != gDataIndex.end()) d = found->second;
     }
     if (!d || d->plugin == -1) return nullptr;
     if (d->deprecated != Current && who != 0) WarnDeprecatedUse(d, inDataRefName, who);

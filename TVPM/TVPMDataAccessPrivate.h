@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "TVPM/TVPMDataAccess.h"
@@ -73,6 +74,9 @@ private:
 };
 
 using TVPMDataMap = std::map<std::string, TVPMData_t*, std::less<>>;
+// The same entries, keyed by views of the map's own keys, so that lookup by
+// name does not walk a tree of long, mostly shared prefixes.
+using TVPMDataIndex = std::unordered_map<std::string_view, TVPMData_t*>;
 
 // The registry. Everything here lives until the process exits: handles are
 // addresses of records, so nothing may ever be freed or moved.
@@ -81,6 +85,7 @@ extern TVPMDataBlock_t* gDataFree;
 extern std::atomic<int> gDataCount;
 extern int gPrevDataCount;
 extern TVPMDataMap& gDataRefs;
+extern TVPMDataIndex& gDataIndex;
 extern std::mutex& gDataLock;
 extern std::map<TVPMPluginID, std::set<std::string>>& usedOldDatarefs;
 

@@ -344,3 +344,19 @@ TEST_F(TwoPlugins, NewItemNoticeGoesOnlyToPluginsThatAskedWithTheTotal) {
     ASSERT_EQ(s_notices.size(), 2u);
     EXPECT_EQ(s_notices[1].second, 3) << "the total, not the number added";
 }
+
+TEST(DataRefsAtScale, HandlesStayPutAndEnumerableAsTheTableGrows) {
+    int storage = 0;
+    std::vector<TVPMDataRef> made;
+    for (int i = 0; i < 20000; ++i)  // far more blocks than the table's first segment holds
+        made.push_back(RegisterInt(("sim/scale/" + std::to_string(i)).c_str(), &storage));
+    std::vector<TVPMDataRef> all(made.size());
+    TVPMGetDataRefsByIndex(0, static_cast<int>(all.size()), all.data());
+    EXPECT_EQ(all, made);
+    for (size_t i = 0; i < made.size(); i += 97) {
+        EXPECT_EQ(TVPMIsDataRefGood(made[i]), 1);
+        EXPECT_EQ(TVPMIsDataRefGood(static_cast<char*>(made[i]) + 1), 0);
+        EXPECT_EQ(TVPMFindDataRef(("sim/scale/" + std::to_string(i)).c_str()), made[i]);
+    }
+    EXPECT_EQ(TVPMIsDataRefGood(static_cast<char*>(made.back()) + 4096), 0);
+}
