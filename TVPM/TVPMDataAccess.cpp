@@ -105,18 +105,17 @@ void FillRecord(TVPMData_t* d, TVPMDataTypeID type, int writable, const TVPMAcce
     d->plugin = owner;
 }
 
-// Finds or makes the record for name; null (after reporting) when the name is
-// live under an owner, in which case existing gets that owner's record.
-TVPMData_t* RecordForRegistration(const char* name, TVPMData_t*& existing) {
+// Finds or makes the record for name (fresh tells which). When the name is
+// live under an owner it returns null and existing gets that owner's record.
+TVPMData_t* RecordForRegistration(const char* name, TVPMData_t*& existing, bool& fresh) {
+    fresh = false;
     auto found = gDataIndex.find(std::string_view(name));
     if (found != gDataIndex.end()) {
-        if (found->second->plugin != -1) {
-            TVPMSendError("Dataref is already registered by someone else.");
-            existing = found->second;
-            return nullptr;
-        }
-        return found->second;
+        if (found->second->plugin == -1) return found->second;
+        existing = found->second;
+        return nullptr;
     }
+    fresh = true;
     TVPMData_t* d = AllocDataRef();
     auto inserted = gDataRefs.emplace(name, d).first;
     d->name = inserted->first.c_str();
@@ -161,10 +160,10 @@ TVPMDataBlock_t* AllocDataBlock() {
 TVPMData_t* AllocDataRef() {
     const int n = gDataCount.load(std::memory_order_relaxed);
     if (!gDataFree || n % kDataRefsPerBlock == 0) AllocDataBlock();
-    TVPMData_t* d = &gDataFree->drefs[n % kDataRefsPerBlock];
-    gDataCount.store(n + 1, std::memory_order_release);
-    return d;
+    return &gDataFree->drefs[n % kDataRefsPerBlock];
 }
+
+void PublishDataRef() { gDataCount.fetch_add(1, std::memory_order_release); }
 
 TVPMData_t* get_dataref_by_index(int global_idx) {
     return &gBlockTable.at(global_idx / kDataRefsPerBlock)->drefs[global_idx % kDataRefsPerBlock];
@@ -218,12 +217,21 @@ TVPM_API TVPMDataRef TVPMRegisterDataAccessor(
                                   inReadDouble,   inWriteDouble,     inReadIntArray,   inWriteIntArray,
                                   inReadFloatArray, inWriteFloatArray, inReadData,     inWriteData,
                                   inReadRefcon,   inWriteRefcon};
-    std::lock_guard<std::mutex> lock(gDataLock);
     TVPMData_t* existing = nullptr;
-    TVPMData_t* d = RecordForRegistration(inDataName, existing);
-    if (!d) return existing;
-    FillRecord(d, inDataType, inIsWritable, accessors);
-    return d;
+    {
+        std::lock_guard<std::mutex> lock(gDataLock);
+        bool fresh = false;
+        TVPMData_t* d = RecordForRegistration(inDataName, existing, fresh);
+        if (d) {
+            FillRecord(d, inDataType, inIsWritable, accessors);
+            // Counted only once complete: the count is read without the lock.
+            if (fresh) PublishDataRef();
+            return d;
+        }
+    }
+    // Reported outside the lock: the error callback may well look items up.
+    TVPMSendError("Dataref is already registered by someone else.");
+    return existing;
 }
 
 TVPM_API void TVPMUnregisterDataAccessor(TVPMDataRef inDataRef) {

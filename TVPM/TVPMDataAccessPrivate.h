@@ -93,7 +93,10 @@ extern std::map<TVPMPluginID, std::set<std::string>>& usedOldDatarefs;
 bool IsDataRecordAddress(const void* p);
 // True when p is the address of a live record.
 bool DataIsValid(TVPMDataRef p);
+// The next free record (a new block when the current one is full); counted by
+// PublishDataRef once it is filled in.
 TVPMData_t* AllocDataRef();
+void PublishDataRef();
 TVPMDataBlock_t* AllocDataBlock();
 TVPMData_t* get_dataref_by_index(int global_idx);
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <thread>
 
 #include "FakeHost.h"
 #include "Harness.h"
@@ -359,4 +360,42 @@ TEST(DataRefsAtScale, HandlesStayPutAndEnumerableAsTheTableGrows) {
         EXPECT_EQ(TVPMFindDataRef(("sim/scale/" + std::to_string(i)).c_str()), made[i]);
     }
     EXPECT_EQ(TVPMIsDataRefGood(static_cast<char*>(made.back()) + 4096), 0);
+}
+
+namespace {
+TVPMDataRef s_seenFromErrorCallback = nullptr;
+void LookUpWhileReporting(const char*) { s_seenFromErrorCallback = TVPMFindDataRef("test/taken"); }
+}  // namespace
+
+TEST_F(TwoPlugins, AnErrorCallbackMayUseTheRegistry) {
+    Start();
+    TVPMDataRef mine = nullptr;
+    AsPlugin("alpha.tvp", [&] { mine = RegisterInt("test/taken", &s_alpha); });
+    AsPlugin("beta.tvp", [] {
+        TVPMSetErrorCallback(LookUpWhileReporting);
+        RegisterInt("test/taken", &s_beta);
+    });
+    EXPECT_EQ(s_seenFromErrorCallback, mine);
+}
+
+TEST(DataRefsAcrossThreads, ReadersSeeEveryPublishedItemWhileAnotherThreadRegisters) {
+    constexpr int kItems = 30000;
+    std::vector<TVPMDataRef> made(kItems);
+    int storage = 0;
+    std::thread writer([&] {
+        for (int i = 0; i < kItems; ++i)
+            made[static_cast<size_t>(i)] = RegisterInt(("sim/threaded/" + std::to_string(i)).c_str(), &storage);
+    });
+    std::vector<TVPMDataRef> seen;
+    int count = 0, incomplete = 0;
+    while (count < kItems) {
+        count = TVPMCountDataRefs();
+        if (count == 0) continue;
+        seen.resize(static_cast<size_t>(count));
+        TVPMGetDataRefsByIndex(0, count, seen.data());
+        if (TVPMGetDataRefTypes(seen.back()) != tvpmType_Int) ++incomplete;
+    }
+    writer.join();
+    EXPECT_EQ(incomplete, 0) << "an item is counted only once complete";
+    EXPECT_EQ(seen, made);
 }
