@@ -49,8 +49,14 @@ void RaiseDeprecationAlert(TVPMPluginID who, const char* requested) {
 // Warns the current plugin, once per name, that it looked up an item on its
 // way out. The lookup's result never depends on this.
 void WarnDeprecatedUse(const TVPMData_t* d, const char* requested, TVPMPluginID who) {
-    auto [entry, firstForPlugin] = usedOldDatarefs.try_emplace(who);
-    if (!entry->second.insert(requested).second) return;
+    bool firstForPlugin = false;
+    {
+        // Lookups may come from any thread; the messages go out unlocked.
+        std::lock_guard<std::mutex> lock(gDataLock);
+        auto entry = usedOldDatarefs.try_emplace(who);
+        firstForPlugin = entry.second;
+        if (!entry.first->second.insert(requested).second) return;
+    }
     char message[kMessageSize];
     snprintf(message, sizeof message, DeprecationFormat(d->deprecated), requested);
     TVPMSendError(message);
