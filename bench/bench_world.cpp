@@ -101,6 +101,8 @@ TVPMPluginID bench::BenchPlugin() { return TheWorld().plugin; }
 
 void bench::SetNow(float t) { s_now = t; }
 
+size_t bench::RecordedHostCalls() { return TheWorld().host.Calls().size(); }
+
 void bench::AsBenchPlugin(const std::function<void()>& f) {
     static std::function<void()> pending;
     pending = f;

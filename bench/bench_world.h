@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <functional>
 
 #include "TVPM/TVPMDefs.h"
@@ -16,6 +17,9 @@ TVPMPluginID BenchPlugin();
 void AsBenchPlugin(const std::function<void()>& f);
 // The simulator time that the hook table reports.
 void SetNow(float t);
+
+// Calls that reached a recording slot of the host so far.
+size_t RecordedHostCalls();
 
 // Every heap allocation of the process (operator new and the malloc family).
 long Allocations();

@@ -283,14 +283,18 @@ TEST_F(FlightLoops, EachCallIsTimedForItsOwner) {
 }
 
 TEST_F(FlightLoops, UnloadingAPluginRemovesItsLoops) {
-    CreateAs("alpha.tvp", kA, -1);
-    s_next["b"] = -1;
+    host.userAircraftPath = sim.AddAircraft("Cessna", {"acfplug"}, BuiltPlugin("scripted.tvp"));
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    ASSERT_GT(IdOf("acfplug"), 0);
+    CreateAs("acfplug", kA, -1);
+    CreateAs("alpha.tvp", kC, -1);
     TVPMFlightLoopID hostLoop = Create(kB);
     TVPMScheduleFlightLoop(hostLoop, -1, 0);
-    host.Shutdown();
+    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
     Frame(1);
-    EXPECT_EQ(Names(), std::vector<std::string>{"b"}) << "the simulator's own loop stays";
-    EXPECT_EQ(s_calls[0].current, 0);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"b", "c"}));
+    ASSERT_EQ(s_calls.size(), 2u);
+    EXPECT_EQ(s_calls[0].current, 0) << "the simulator's own loop runs as the simulator";
 }
 
 TEST_F(FlightLoops, AReloadAskedForDuringAPassRunsAfterIt) {
