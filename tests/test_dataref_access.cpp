@@ -274,3 +274,17 @@ TEST_F(SharedData, SharingAPluginsItemNameStillSucceeds) {
     TVPMGetDataRefInfo(TVPMFindDataRef("test/owned"), &info);
     EXPECT_EQ(info.owner, alpha) << "the plugin's item is left alone";
 }
+
+TEST_F(SharedData, ADepartingPluginsSubscriptionsGoAndTheOthersKeepTheirOrder) {
+    host.userAircraftPath = sim.AddAircraft("Cessna", {"acfplug"}, BuiltPlugin("scripted.tvp"));
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    ASSERT_GT(IdOf("acfplug"), 0);
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kAlphaTag); });
+    AsPlugin("acfplug", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kOtherTag); });
+    AsPlugin("beta.tvp", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kBetaTag); });
+    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
+    s_notified.clear();
+    TVPMSetDatai(TVPMFindDataRef("shared/n"), 5);
+    EXPECT_EQ(s_notified, (std::vector<std::string>{"alpha as " + std::to_string(alpha),
+                                                    "beta as " + std::to_string(beta)}));
+}

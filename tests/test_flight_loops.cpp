@@ -212,6 +212,21 @@ TEST_F(FlightLoops, DisabledOwnersLoopsWaitAndFireAtOnceWhenReEnabled) {
     EXPECT_EQ(s_calls[0], (Call{"a", 2.5f, 2.5f, 5, alpha}));
 }
 
+TEST_F(FlightLoops, AnOwnerDisabledDuringThePassIsSkippedForTheRestOfIt) {
+    CreateAs("alpha.tvp", kA, -1);
+    CreateAs("beta.tvp", kB, -1);
+    CreateAs("alpha.tvp", kC, -1);
+    s_during["c"] = [] { TVPMDisablePlugin(TVPMGetMyID()); };
+    Frame(1);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"c", "b"}));
+    s_during.clear();
+    TVPMEnablePlugin(alpha);
+    s_calls.clear();
+    Frame(2);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"c", "b", "a"}));
+    EXPECT_EQ(s_calls[2].sinceLast, 2.0f) << "a waited since its creation";
+}
+
 TEST_F(FlightLoops, LegacyCallsMatchCallbackAndRefcon) {
     AsPlugin("alpha.tvp", [] {
         TVPMRegisterFlightLoopCallback(Loop, -1, kA);
