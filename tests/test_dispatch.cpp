@@ -1,14 +1,17 @@
 // test_dispatch.cpp: who is the current plugin while plugins call each other, what the simulator learns about its caller, and timing collection.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "FakeHost.h"
 #include "Harness.h"
 #include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMProcessing.h"
 #include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
@@ -124,28 +127,55 @@ TEST_F(Dispatch, NoTrafficControllerMeansNoInfo) {
 // ---- timing collection --------------------------------------------------------------------
 
 namespace {
+struct Sample {
+    TVPMPluginID plugin;
+    TVPMPluginCallbackType type;
+    double microseconds;
+};
+std::vector<Sample> s_samples;
 int s_timingCalls = 0;
-uint64_t s_lastCount = 99;
-void CollectTimings(uint64_t count, const TVPMPluginID*, const TVPMPluginCallbackType*,
-                    const double*) {
-    ++s_timingCalls;
-    s_lastCount = count;
-}
 int s_assertions = 0;
+
+void CollectTimings(uint64_t count, const TVPMPluginID* ids, const TVPMPluginCallbackType* types,
+                    const double* us) {
+    ++s_timingCalls;
+    for (uint64_t i = 0; i < count; ++i) s_samples.push_back({ids[i], types[i], us[i]});
+}
+
+float SlowLoop(float, float, int, void*) {
+    std::this_thread::sleep_for(std::chrono::microseconds(1500));
+    return 0;  // once
+}
 }  // namespace
 
-TEST(DispatchTimings, CollectionReportsEveryFrameWithoutAssertions) {
+TEST(DispatchTimings, ATimedCallbackReportsItsOwnerKindAndDurationOnce) {
     FakeHost host;
     host.On<&TVPMHooks::TVPMHandleAssertFailed_f>(
         [](const char*, const char*, int) { ++s_assertions; });
     SimFolder sim;
     sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+    Script("alpha.tvp").enable = [] {
+        TVPMRegisterFlightLoopCallback(SlowLoop, -1.0f, nullptr);
+        return 1;
+    };
     ASSERT_EQ(host.Start(sim.Root()), 23);
+    const TVPMPluginID alpha = TVPMFindPluginBySignature("test.alpha.tvp");
+    TVPMGetPluginCallbackTimings(CollectTimings);
+    s_samples.clear();
     TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, 1, nullptr);  // messages are not timed
+    host.RunFrame();
+    host.RunFrame();
     TVPMGetPluginCallbackTimings(CollectTimings);
+    ASSERT_EQ(s_samples.size(), 1u);
+    EXPECT_EQ(s_samples[0].plugin, alpha);
+    EXPECT_EQ(s_samples[0].type, tvpm_cb_flight_loop);
+    EXPECT_GE(s_samples[0].microseconds, 1500.0);
+    EXPECT_LT(s_samples[0].microseconds, 100000.0);
+
+    s_samples.clear();
     TVPMGetPluginCallbackTimings(CollectTimings);
-    EXPECT_EQ(s_timingCalls, 2);
-    EXPECT_EQ(s_lastCount, 0u);
+    EXPECT_EQ(s_timingCalls, 3);  // called even with nothing to report
+    EXPECT_TRUE(s_samples.empty());
     EXPECT_EQ(s_assertions, 0);
     host.Shutdown();
 }
