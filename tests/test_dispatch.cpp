@@ -10,6 +10,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "PluginContext.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMProcessing.h"
 #include "TVPM/TVPMUtilities.h"
@@ -17,8 +18,6 @@
 using namespace tvpmtest;
 
 namespace {
-
-constexpr int kRunScript = 0x7e57;
 
 // What the simulator saw of its caller each time a plugin wrote to the log.
 struct CallerSeen {
@@ -33,7 +32,7 @@ protected:
         for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"}) {
             sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
             Script(key).message = [](TVPMPluginID, int message, void* param) {
-                if (message == kRunScript) (*static_cast<std::function<void()>*>(param))();
+                if (message == kRunAsMessage) (*static_cast<std::function<void()>*>(param))();
             };
         }
         host.On<&TVPMHooks::TVPMDebugString_f>([](const char*) {
@@ -42,15 +41,17 @@ protected:
             s_seen.push_back({id, name, signature});
         });
         ASSERT_EQ(host.Start(sim.Root()), 23);
-        alpha = TVPMFindPluginBySignature("test.alpha.tvp");
-        beta = TVPMFindPluginBySignature("test.beta.tvp");
-        gamma = TVPMFindPluginBySignature("test.gamma.tvp");
+        alpha = IdOf("alpha.tvp");
+        beta = IdOf("beta.tvp");
+        gamma = IdOf("gamma.tvp");
         s_seen.clear();
     }
     void TearDown() override { host.Shutdown(); }
 
+    // Runs code as plugin id. The code travels with the message rather than in
+    // the plugin's script, so a plugin can be re-entered while it runs.
     static void As(TVPMPluginID id, std::function<void()> code) {
-        TVPMSendMessageToPlugin(id, kRunScript, &code);
+        TVPMSendMessageToPlugin(id, kRunAsMessage, &code);
     }
 
     FakeHost host;
@@ -93,7 +94,7 @@ TEST_F(Dispatch, DeepNestingUnwindsLevelByLevel) {
     });
     EXPECT_EQ(ids, (std::vector<int>{gamma, beta, beta, beta, alpha}));
     EXPECT_EQ(JournalOf("gamma.tvp:message").back(),
-              "gamma.tvp:message " + std::to_string(kRunScript) + " from " +
+              "gamma.tvp:message " + std::to_string(kRunAsMessage) + " from " +
                   std::to_string(beta));
 }
 
@@ -159,7 +160,7 @@ TEST(DispatchTimings, ATimedCallbackReportsItsOwnerKindAndDurationOnce) {
         return 1;
     };
     ASSERT_EQ(host.Start(sim.Root()), 23);
-    const TVPMPluginID alpha = TVPMFindPluginBySignature("test.alpha.tvp");
+    const TVPMPluginID alpha = IdOf("alpha.tvp");
     TVPMGetPluginCallbackTimings(CollectTimings);
     s_samples.clear();
     TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, 1, nullptr);  // messages are not timed

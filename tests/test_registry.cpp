@@ -8,31 +8,26 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "PluginContext.h"
 #include "TVPM/TVPMPlugin.h"
 
 using namespace tvpmtest;
 
 namespace {
 
-constexpr int kRunScript = 0x7e57;  // "run this code as the receiving plugin"
-
 std::vector<std::string> s_errors;
 void OnError(const char* text) { s_errors.push_back(text); }
 
-// Three scripted plugins; each runs a test's code as itself when sent kRunScript.
+// Three scripted plugins.
 class Registry : public ::testing::Test {
 protected:
     void SetUp() override {
-        for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"}) {
+        for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"})
             paths.push_back(sim.AddLoose(key, BuiltPlugin("scripted.tvp")));
-            Script(key).message = [](TVPMPluginID, int message, void* param) {
-                if (message == kRunScript) (*static_cast<std::function<void()>*>(param))();
-            };
-        }
         ASSERT_EQ(host.Start(sim.Root()), 23);
-        alpha = TVPMFindPluginBySignature("test.alpha.tvp");
-        beta = TVPMFindPluginBySignature("test.beta.tvp");
-        gamma = TVPMFindPluginBySignature("test.gamma.tvp");
+        alpha = IdOf("alpha.tvp");
+        beta = IdOf("beta.tvp");
+        gamma = IdOf("gamma.tvp");
         ASSERT_GT(alpha, 0);
         ASSERT_GT(beta, 0);
         ASSERT_GT(gamma, 0);
@@ -40,10 +35,6 @@ protected:
     }
     void TearDown() override { host.Shutdown(); }
 
-    // Runs code inside plugin id's message handler, i.e. as that plugin.
-    void As(TVPMPluginID id, std::function<void()> code) {
-        TVPMSendMessageToPlugin(id, kRunScript, &code);
-    }
     std::vector<std::string> HostMessages() const {
         std::vector<std::string> out;
         for (const HostCall& c : host.CallsTo("TorvaneReceiveMessage_f"))
@@ -139,17 +130,17 @@ TEST(RegistryLongPath, InfoCutsLongTextTo255Characters) {
 // ---- error callbacks ----------------------------------------------------------------
 
 TEST_F(Registry, MisuseIsReportedToTheCurrentPluginsOwnCallbackOnly) {
-    As(alpha, [] { TVPMSetErrorCallback(OnError); });
-    As(beta, [] { EXPECT_EQ(TVPMIsFeatureEnabled("NO_SUCH_FEATURE"), 0); });
+    RunAs("alpha.tvp", [] { TVPMSetErrorCallback(OnError); });
+    RunAs("beta.tvp", [] { EXPECT_EQ(TVPMIsFeatureEnabled("NO_SUCH_FEATURE"), 0); });
     EXPECT_TRUE(s_errors.empty());  // beta has no callback; alpha's is not beta's
 
-    As(alpha, [] { EXPECT_EQ(TVPMIsFeatureEnabled("NO_SUCH_FEATURE"), 0); });
+    RunAs("alpha.tvp", [] { EXPECT_EQ(TVPMIsFeatureEnabled("NO_SUCH_FEATURE"), 0); });
     EXPECT_EQ(s_errors,
               (std::vector<std::string>{"Illegal feature name passed to TVPMEnableFeature"}));
     EXPECT_EQ(host.Log().find("Illegal feature"), std::string::npos);  // never logged
 
-    As(alpha, [] { TVPMSetErrorCallback(nullptr); });
-    As(alpha, [] { TVPMEnableFeature("NO_SUCH_FEATURE", 1); });
+    RunAs("alpha.tvp", [] { TVPMSetErrorCallback(nullptr); });
+    RunAs("alpha.tvp", [] { TVPMEnableFeature("NO_SUCH_FEATURE", 1); });
     EXPECT_EQ(s_errors.size(), 1u);
 }
 
@@ -158,15 +149,15 @@ TEST_F(Registry, TheSimulatorMayListenForErrorsToo) {
     TVPMEnableFeature("tvpm_wants_reflections", 1);
     EXPECT_EQ(s_errors,
               (std::vector<std::string>{"Illegal feature name passed to TVPMEnableFeature"}));
-    As(alpha, [] { TVPMEnableFeature("bogus", 1); });
+    RunAs("alpha.tvp", [] { TVPMEnableFeature("bogus", 1); });
     EXPECT_EQ(s_errors.size(), 1u);
 }
 
 TEST_F(Registry, ErrorCallbackSurvivesDisableAndEnable) {
-    As(alpha, [] { TVPMSetErrorCallback(OnError); });
+    RunAs("alpha.tvp", [] { TVPMSetErrorCallback(OnError); });
     TVPMDisablePlugin(alpha);
     EXPECT_EQ(TVPMEnablePlugin(alpha), 1);
-    As(alpha, [] { TVPMEnableFeature("bogus", 1); });
+    RunAs("alpha.tvp", [] { TVPMEnableFeature("bogus", 1); });
     EXPECT_EQ(s_errors.size(), 1u);
 }
 
@@ -176,7 +167,7 @@ TEST_F(Registry, BroadcastReachesTheSimulatorAndEveryEnabledPluginFromTheSender)
     TVPMDisablePlugin(gamma);
     Journal().clear();
     int param = 0;
-    As(beta, [&] { TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, 4242, &param); });
+    RunAs("beta.tvp", [&] { TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, 4242, &param); });
     EXPECT_EQ(HostMessages(), (std::vector<std::string>{std::to_string(beta) + " 4242"}));
     EXPECT_EQ(host.CallsTo("TorvaneReceiveMessage_f")[0].args[2],
               FormatArg(static_cast<const void*>(&param)));
@@ -233,19 +224,19 @@ TEST_F(Registry, TheFourFeaturesAreKnownByExactName) {
 }
 
 TEST_F(Registry, FeatureValuesArePerPluginKeptAsGivenAndSurviveDisable) {
-    As(alpha, [] {
+    RunAs("alpha.tvp", [] {
         for (const char* n : {"TVPM_WANTS_REFLECTIONS", "TVPM_USE_NATIVE_PATHS",
                               "TVPM_USE_NATIVE_WIDGET_WINDOWS", "TVPM_WANTS_DATAREF_NOTIFICATIONS"})
             EXPECT_EQ(TVPMIsFeatureEnabled(n), 0) << n;
         TVPMEnableFeature("TVPM_USE_NATIVE_WIDGET_WINDOWS", 5);
         TVPMEnableFeature("TVPM_WANTS_REFLECTIONS", -1);
     });
-    As(beta, [] { EXPECT_EQ(TVPMIsFeatureEnabled("TVPM_USE_NATIVE_WIDGET_WINDOWS"), 0); });
+    RunAs("beta.tvp", [] { EXPECT_EQ(TVPMIsFeatureEnabled("TVPM_USE_NATIVE_WIDGET_WINDOWS"), 0); });
     EXPECT_EQ(TVPMIsFeatureEnabled("TVPM_USE_NATIVE_WIDGET_WINDOWS"), 0);  // the simulator's own
 
     TVPMDisablePlugin(alpha);
     TVPMEnablePlugin(alpha);
-    As(alpha, [] {
+    RunAs("alpha.tvp", [] {
         EXPECT_EQ(TVPMIsFeatureEnabled("TVPM_USE_NATIVE_WIDGET_WINDOWS"), 5);
         EXPECT_EQ(TVPMIsFeatureEnabled("TVPM_WANTS_REFLECTIONS"), -1);
         TVPMEnableFeature("TVPM_WANTS_REFLECTIONS", 0);
@@ -254,7 +245,7 @@ TEST_F(Registry, FeatureValuesArePerPluginKeptAsGivenAndSurviveDisable) {
 }
 
 TEST_F(Registry, NativePathsChangeNothingOnThisPlatform) {
-    As(alpha, [this] {
+    RunAs("alpha.tvp", [this] {
         TVPMEnableFeature("TVPM_USE_NATIVE_PATHS", 1);
         EXPECT_EQ(TVPMFindPluginByPath(paths[1].c_str()), beta);
         char path[256];
