@@ -322,16 +322,16 @@ public:
     void Validate() const {
         if (!TVPMHasAssertHandler()) return;
         Check(!head || head->get_prev() == nullptr, "!head || head->get_prev() == NULL",
-                  kLineHeadHasNoPrev);
+              kLineHeadHasNoPrev);
         for (T* h = head; h; h = h->get_next()) {
             Check(h->get_prev() == nullptr || h->get_prev()->get_next() == h,
-                      "h->get_prev() == NULL || h->get_prev()->get_next() == h", kLinePrevLinksBack);
+                  "h->get_prev() == NULL || h->get_prev()->get_next() == h", kLinePrevLinksBack);
             Check(h->get_next() == nullptr || h->get_next()->get_prev() == h,
-                      "h->get_next() == NULL || h->get_next()->get_prev() == h", kLineNextLinksBack);
+                  "h->get_next() == NULL || h->get_next()->get_prev() == h", kLineNextLinksBack);
             T* d = dead;
             while (d && d != h) d = d->get_next_dead();
             Check(h->is_dead() == (d != nullptr), "h->is_dead() == (d != NULL)",
-                      kLineDeadMatchesChain);
+                  kLineDeadMatchesChain);
         }
         for (T* d = dead; d; d = d->get_next_dead()) {
             Check(d->is_dead(), "d->is_dead()", kLineDeadIsMarked);
