@@ -98,11 +98,11 @@ TVPMWindow* TVPMWindowWalk::Next() {
     return nullptr;
 }
 
-TVPMWindow* TVPMFindWindow(TVPMWindowID id) {
-    if (!id) return nullptr;
+bool TVPMWindowIsValid(TVPMWindowID id) {
+    if (!id) return false;
     for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
-        if (w == id && !w->is_dead()) return w;
-    return nullptr;
+        if (w == id) return !w->is_dead();
+    return false;
 }
 
 // ---- Focus and destruction ------------------------------------------------------------

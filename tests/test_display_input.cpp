@@ -153,6 +153,25 @@ TEST_F(InputTest, SimulatorWindowsTakeEventsOnlyFromTheirOwnSurface) {
     EXPECT_EQ(TVPMMouseClickHook(3, 3, 0, 0, nullptr), 1);  // ... and the up ends the capture
     EXPECT_EQ(TVPMMouseClickHook(4, 4, 0, 0, gui), 1);
     EXPECT_EQ(g_events, (std::vector<std::string>{"gui:L1@500,500", "gui:L2@900,901"}));
+    // Its drags follow the mouse in global coordinates.
+    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocationGlobal_f"), 2u);
+    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocation_f"), 0u);
+}
+
+TEST_F(InputTest, DisablingTheOwnerOfACapturingSimulatorWindowEndsTheCapture) {
+    TVPMWindowID gui = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "gui", LeftClick, RightClick,
+                                  nullptr, nullptr, 88);
+    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 1, gui), 0);
+    rig.host.ClearCalls();
+    TVPMDisablePlugin(rig.Id("alpha.tvp"));
+    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocationGlobal_f"), 1u);
+    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocation_f"), 0u);
+    TVPMEnablePlugin(rig.Id("alpha.tvp"));
+    Frame(5, 5, gui);
+    EXPECT_EQ(TVPMMouseClickHook(5, 5, 0, 1, gui), 1);
+    // The mouse-up made up at the disable belongs to the main surface, which
+    // this window does not take events from.
+    EXPECT_EQ(g_events, (std::vector<std::string>{"gui:R1"}));
 }
 
 TEST_F(InputTest, DestroyingTheCapturingWindowSendsTheMouseUpToTheSimulator) {
@@ -289,6 +308,16 @@ TEST_F(InputTest, KeysGoToBeforeSniffersHotKeysFocusWindowAndAfterSniffersInTurn
                             "before:sniff97,0,65", "after:sniff97,0,65",
                             "before:sniff0,4,112", "F1:hotkey",
                             "before:sniff98,1,66", "win:key98"}));
+}
+
+TEST_F(InputTest, FocusedWindowConsumesKeysEvenWithoutAKeyCallback) {
+    rig.As("alpha.tvp", [] {
+        TVPMWindowID mute = TVPMCreateWindow(0, 10, 10, 0, 1, nullptr, nullptr, nullptr, nullptr);
+        TVPMRegisterKeySniffer(Sniff, 0, (void*)"after");
+        TVPMTakeKeyboardFocus(mute);
+    });
+    EXPECT_EQ(PressKey('m', 0, TVPM_VK_M), 1);
+    EXPECT_TRUE(g_events.empty());
 }
 
 TEST_F(InputTest, BeforeSnifferConsumingTheKeyHidesItFromEveryoneElse) {

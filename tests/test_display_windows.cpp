@@ -223,6 +223,7 @@ TEST_F(WindowTest, InFrontMeansFirstVisibleFromTheFront) {
         EXPECT_EQ(TVPMIsWindowInFront(back), 0);
         EXPECT_EQ(TVPMIsWindowInFront(gui), 1);
         TVPMSetWindowIsVisible(front, 0);
+        EXPECT_EQ(TVPMIsWindowInFront(front), 0);  // still first in the list, but hidden
         EXPECT_EQ(TVPMIsWindowInFront(back), 1);
         TVPMSetWindowIsVisible(front, 1);
         TVPMBringWindowToFront(back);
