@@ -199,7 +199,9 @@ TVPM_API void TVPMSetWindowTitle(TVPMWindowID inWindowID, const char* inWindowTi
 
 /* Gives the keyboard focus to a window of an enabled plugin, or back to the
  * simulator with null (an unknown [handle] counts as null). The window losing
- * the focus is told through its key callback. */
+ * the focus is told through its key callback, during which it still has the
+ * focus; afterwards the focus goes where it was asked to, whatever that
+ * callback did. */
 TVPM_API void TVPMTakeKeyboardFocus(TVPMWindowID inWindowID);
 /* 1 when the window has the keyboard focus; with null (or an unknown handle),
  * 1 when no window has it. */
