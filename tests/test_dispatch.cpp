@@ -31,9 +31,7 @@ protected:
     void SetUp() override {
         for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"}) {
             sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
-            Script(key).message = [](TVPMPluginID, int message, void* param) {
-                if (message == kRunAsMessage) (*static_cast<std::function<void()>*>(param))();
-            };
+            Script(key).message = RunAsHandler{};
         }
         host.On<&TVPMHooks::TVPMDebugString_f>([](const char*) {
             char name[256] = "?", signature[256] = "?";

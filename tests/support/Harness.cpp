@@ -162,5 +162,6 @@ extern "C" __attribute__((visibility("default"))) void TestHarness_Message(const
     const std::string key = KeyOf(path);
     Journal().push_back(key + ":message " + std::to_string(message) + " from " +
                         std::to_string(from));
-    if (auto& f = Script(key).message) f(from, message, param);
+    // A copy: the handler may replace the script while it runs.
+    if (auto f = Script(key).message) f(from, message, param);
 }

@@ -8,29 +8,16 @@
 #include <vector>
 
 #include "Harness.h"
+#include "PluginContext.h"
 #include "TVPM/TVPMPlugin.h"
 
 namespace datatest {
 
-// Message number that makes a scripted plugin run the code handed to AsPlugin.
-constexpr int kRunMessage = 0x7A11;
-
-inline TVPMPluginID IdOf(const std::string& key) {
-    return TVPMFindPluginBySignature(("test." + key).c_str());
-}
+using tvpmtest::IdOf;
 
 // Runs f inside the plugin's own call context (as that plugin).
-inline void AsPlugin(const std::string& key, const std::function<void()>& f) {
-    static std::function<void()> pending;
-    pending = f;
-    auto& script = tvpmtest::Script(key);
-    auto previous = script.message;
-    script.message = [previous](TVPMPluginID from, int message, void* param) {
-        if (message == kRunMessage) pending();
-        else if (previous) previous(from, message, param);
-    };
-    TVPMSendMessageToPlugin(IdOf(key), kRunMessage, nullptr);
-    script.message = previous;
+inline void AsPlugin(const std::string& key, std::function<void()> f) {
+    tvpmtest::RunAs(key, std::move(f));
 }
 
 // Error reports per plugin: a plugin's error callback is a plain function, so

@@ -11,19 +11,31 @@
 
 namespace tvpmtest {
 
-// A message number that no simulator event uses.
+// A message number that no simulator event uses; its parameter is the code to run.
 constexpr int kRunAsMessage = 0x7E57;
 
 inline TVPMPluginID IdOf(const std::string& key) {
     return TVPMFindPluginBySignature(("test." + key).c_str());
 }
 
-// Runs f inside the (enabled) plugin's own call context, as that plugin.
+// The message script RunAs installs: runs the code a kRunAsMessage carries and
+// hands every other message to the script that was there before.
+struct RunAsHandler {
+    std::function<void(TVPMPluginID, int, void*)> next;
+    void operator()(TVPMPluginID from, int message, void* param) const {
+        if (message == kRunAsMessage)
+            (*static_cast<std::function<void()>*>(param))();
+        else if (next)
+            next(from, message, param);
+    }
+};
+
+// Runs f inside the (enabled) plugin's own call context, as that plugin. The
+// code travels with the message, so RunAs may nest, even for the same plugin.
 inline void RunAs(const std::string& key, std::function<void()> f) {
-    Script(key).message = [f](TVPMPluginID, int message, void*) {
-        if (message == kRunAsMessage) f();
-    };
-    TVPMSendMessageToPlugin(IdOf(key), kRunAsMessage, nullptr);
+    auto& script = Script(key).message;
+    if (!script.target<RunAsHandler>()) script = RunAsHandler{script};
+    TVPMSendMessageToPlugin(IdOf(key), kRunAsMessage, &f);
 }
 
 template <class R>

@@ -8,18 +8,11 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "PluginContext.h"
 #include "TVPM/TVPMDisplay.h"
 #include "TVPM/TVPMPlugin.h"
 
 namespace tvpmtest {
-
-// A message number no part of the system uses; it runs the pending test code.
-constexpr int kRunAsMessage = 0x7E57;
-
-inline std::function<void()>& PendingRunAs() {
-    static std::function<void()> pending;
-    return pending;
-}
 
 // Starts a simulator whose plugin folder holds one scripted plugin per key.
 class DisplayRig {
@@ -32,10 +25,7 @@ public:
             [](const char* condition, const char*, int line) {
                 Failures().push_back(std::string(condition) + " @" + std::to_string(line));
             });
-        for (const std::string& key : keys) {
-            sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
-            Runnable(key);
-        }
+        for (const std::string& key : keys) sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
         host.Start(sim.Root());
     }
     ~DisplayRig() {
@@ -48,21 +38,15 @@ public:
     // Loads the user's aircraft with one aircraft plugin (its key is name);
     // UnloadAircraft() then disables and unloads exactly that plugin.
     void LoadAircraftWithPlugin(const std::string& name) {
-        Runnable(name);
         host.userAircraftPath = sim.AddAircraft("Jet", {name}, BuiltPlugin("scripted.tvp"));
         TVPMEventHook(3, 0, 0, 0, 0);
     }
     void UnloadAircraft() { TVPMEventHook(8, 0, 0, 0, 0); }
 
-    TVPMPluginID Id(const std::string& key) const {
-        return TVPMFindPluginBySignature(("test." + key).c_str());
-    }
+    TVPMPluginID Id(const std::string& key) const { return IdOf(key); }
 
     // Runs f inside the plugin's own call context (the plugin must be enabled).
-    void As(const std::string& key, std::function<void()> f) {
-        PendingRunAs() = std::move(f);
-        TVPMSendMessageToPlugin(Id(key), kRunAsMessage, nullptr);
-    }
+    void As(const std::string& key, std::function<void()> f) { RunAs(key, std::move(f)); }
 
     // Convenience wrappers that run as a plugin and hand back the result.
     TVPMWindowID Window(const std::string& key, int l, int t, int r, int b,
@@ -80,14 +64,6 @@ private:
     static std::vector<std::string>& Failures() {
         static std::vector<std::string> failures;
         return failures;
-    }
-    static void Runnable(const std::string& key) {
-        Script(key).message = [](TVPMPluginID, int message, void*) {
-            if (message != kRunAsMessage) return;
-            std::function<void()> run = std::move(PendingRunAs());
-            PendingRunAs() = nullptr;
-            if (run) run();
-        };
     }
 };
 
