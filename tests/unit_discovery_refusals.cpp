@@ -1,25 +1,14 @@
 // unit_discovery_refusals.cpp: entry points are resolved in a fixed order, and a plugin refused at start leaves nothing registered and its caller current.
 #include <gtest/gtest.h>
 
-#include <cstdarg>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "../TVPM/TVPMLoaderDiscovery.cpp"
+#include "support/UnitSteps.h"
 
 namespace {
-
-std::vector<std::string> s_steps;
-void Step(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-void Step(const char* fmt, ...) {
-    char text[256];
-    va_list args;
-    va_start(args, fmt);
-    vsnprintf(text, sizeof text, fmt, args);
-    va_end(args);
-    s_steps.push_back(text);
-}
 
 // What the fake plugin file exports, and what its TPluginStart does.
 std::map<std::string, void*> s_exports;

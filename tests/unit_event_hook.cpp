@@ -1,24 +1,13 @@
 // unit_event_hook.cpp: each simulator event reaches the right units in the right order, as seen from inside the library.
 #include <gtest/gtest.h>
 
-#include <cstdarg>
 #include <string>
 #include <vector>
 
 #include "../TVPM/TVPMHost.cpp"
+#include "support/UnitSteps.h"
 
 namespace {
-
-std::vector<std::string> s_steps;
-void Step(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-void Step(const char* fmt, ...) {
-    char text[256];
-    va_list args;
-    va_start(args, fmt);
-    vsnprintf(text, sizeof text, fmt, args);
-    va_end(args);
-    s_steps.push_back(text);
-}
 
 bool s_newItems = false;
 bool s_busy = false;

@@ -1,29 +1,14 @@
 // unit_lifecycle_order.cpp: every unit is told of enable, disable, unload and reload in the fixed order, around the plugin's own entry points.
 #include <gtest/gtest.h>
 
-#include <cstdarg>
 #include <string>
 #include <vector>
 
 #include "../TVPM/TVPMLoaderLifecycle.cpp"
+#define TVPM_RECORD_LIFECYCLE_HOOKS
+#include "support/UnitSteps.h"
 
 // ---- the world the lifecycle code lives in, every step recorded -----------------
-
-namespace {
-
-std::vector<std::string> s_steps;
-
-void Step(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-void Step(const char* fmt, ...) {
-    char text[256];
-    va_list args;
-    va_start(args, fmt);
-    vsnprintf(text, sizeof text, fmt, args);
-    va_end(args);
-    s_steps.push_back(text);
-}
-
-}  // namespace
 
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;
@@ -48,41 +33,6 @@ void TVPMDelivery::InsertAfter(TVPMDelivery* where) {
 TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
 void TVPMLogPluginWarning(const char* msg) { Step("warning %s", msg); }
 void TVPMUnloadDLL(void* dll) { Step("close %p", dll); }
-
-#define RECORD_HOOK(name) \
-    void name(TVPMPluginID id) { Step(#name " %d", id); }
-RECORD_HOOK(TVPMDisplayEnableHook)
-RECORD_HOOK(TVPMInstanceEnableHook)
-RECORD_HOOK(TVPMDisplayDisablePrePluginDisableHook)
-RECORD_HOOK(TVPMInstanceDisableHook)
-RECORD_HOOK(TVPMCameraDisableHook)
-RECORD_HOOK(TVPMPlaneDisableHook)
-RECORD_HOOK(TVPMDisplayDisablePostPluginDisableHook)
-RECORD_HOOK(TVPMFMODDisableHook)
-RECORD_HOOK(TVPMWeatherDisableHook)
-RECORD_HOOK(TVPMCommandCleanupHook)
-RECORD_HOOK(TVPMDisplayCleanupHook)
-RECORD_HOOK(TVPMInstanceCleanupHook)
-RECORD_HOOK(TVPMProcessingCleanupHook)
-RECORD_HOOK(TVPMCameraCleanupHook)
-RECORD_HOOK(TVPMMenuCleanupHook)
-RECORD_HOOK(TVPMPlaneCleanupHook)
-RECORD_HOOK(TVPMDataRefsCleanupHook)
-RECORD_HOOK(TVPMSceneryCleanupHook)
-RECORD_HOOK(TVPMFMODCleanupHook)
-RECORD_HOOK(TVPMWeatherCleanupHook)
-#undef RECORD_HOOK
-
-namespace {
-bool s_weatherRefuses = false;
-}
-void TVPMWeatherEnableHook(TVPMPluginID id) {
-    Step("TVPMWeatherEnableHook %d", id);
-    if (s_weatherRefuses) gAllPlugins[static_cast<size_t>(id)].enabled = false;
-}
-void TVPMDisplaySyncGuiWindowStateWithPluginHook(TVPMPluginID id, int enabled) {
-    Step("TVPMDisplaySyncGuiWindowStateWithPluginHook %d %d", id, enabled);
-}
 
 // A stand-in for the discovery file: one plugin in the simulator's folder, one per aircraft.
 void TVPMFindAndLoadPlugins(const char* inSystemPath) {
@@ -186,19 +136,6 @@ TEST_F(LifecycleOrder, EnableTellsUnitsAroundThePluginThenDeliversThenSyncsWindo
     EXPECT_EQ(TVPMEnablePlugin(1), 1);
     EXPECT_EQ(s_steps, (Steps{"deliver late gone=0 current=1",
                               "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1"}));
-}
-
-TEST_F(LifecycleOrder, PluginThatSaysNoSkipsWeatherAndDeliveries) {
-    RecordingDelivery waiting("waiting");
-    waiting.plugin = 1;
-    Plugin().pending.PushFront(&waiting);
-    s_enableResult = 0;
-    EXPECT_EQ(TVPMEnablePlugin(1), 0);
-    EXPECT_EQ(s_steps, (Steps{"TVPMDisplayEnableHook 1", "TVPMInstanceEnableHook 1",
-                              "TPluginEnable current=1 enabled=1",
-                              "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 0"}));
-    EXPECT_EQ(Plugin().pending.first(), &waiting);
-    waiting.Unlink();
 }
 
 TEST_F(LifecycleOrder, WeatherUnitCanStillRefuseTheEnable) {

@@ -2,32 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <list>
 #include <memory>
-#include <new>
 #include <random>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "TVPMPrivate.h"
+#include "support/CountingNew.h"
 
 TVPMHooks* gHooks = nullptr;
-
-// ---- allocation counting ---------------------------------------------------------
-
-static long s_allocations = 0;
-
-// Out of line, so that the optimiser does not pair malloc() and free() with
-// new- and delete-expressions and call them mismatched.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    ++s_allocations;
-    if (void* p = std::malloc(size ? size : 1)) return p;
-    throw std::bad_alloc();
-}
-__attribute__((noinline)) void operator delete(void* p) noexcept { std::free(p); }
-__attribute__((noinline)) void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
