@@ -10,10 +10,12 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
+using Discovery = SimTest;
 namespace fs = std::filesystem;
 
 namespace {
@@ -80,9 +82,7 @@ void SetSignature(const std::string& key, const std::string& signature) {
 
 }  // namespace
 
-TEST(Discovery, LooseFilesLoadInByteOrderBeforeFatFolders) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, LooseFilesLoadInByteOrderBeforeFatFolders) {
     const std::string scripted = BuiltPlugin("scripted.tvp");
     sim.AddFat("0fat", "lin_x64", scripted);
     sim.AddLoose("b.tvp", scripted);
@@ -103,12 +103,9 @@ TEST(Discovery, LooseFilesLoadInByteOrderBeforeFatFolders) {
     EXPECT_EQ(TVPMFindPluginBySignature("test.0fat"), 5);
     EXPECT_EQ(TVPMFindPluginBySignature("test.c"), 6);
     EXPECT_EQ(TVPMFindPluginBySignature("norvel.torvane.torvane"), 0);
-    host.Shutdown();
 }
 
-TEST(Discovery, PluginAdminComesFirstAndFrameworksAreNeverLoaded) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, PluginAdminComesFirstAndFrameworksAreNeverLoaded) {
     const std::string scripted = BuiltPlugin("scripted.tvp");
     sim.AddLoose("a.tvp", scripted);
     const std::string tool = sim.AddLoose("myPluginAdminTool.tvp", scripted);
@@ -129,12 +126,9 @@ TEST(Discovery, PluginAdminComesFirstAndFrameworksAreNeverLoaded) {
                               Loaded(sim.PluginsDir() + "/PluginAdmin/lin_x64/PluginAdmin.tvp",
                                      "test.PluginAdmin") +
                               Loaded(sim.PluginsDir() + "/a.tvp", "test.a.tvp"));
-    host.Shutdown();
 }
 
-TEST(Discovery, FatFoldersProbeThreeLayoutsSilently) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, FatFoldersProbeThreeLayoutsSilently) {
     const std::string scripted = BuiltPlugin("scripted.tvp");
     const std::string x64 = sim.AddFat("alpha", "lin_x64", scripted);
     const std::string sixtyFour = sim.AddFat("beta", "64", scripted);
@@ -164,12 +158,9 @@ TEST(Discovery, FatFoldersProbeThreeLayoutsSilently) {
                          Quoted(dir + "/hollow/64/lin.tvp"),
                          Quoted(dir + "/hollow/lin.tvp"),
                      }));
-    host.Shutdown();
 }
 
-TEST(Discovery, EveryRefusalIsLoggedWordForWordAndLeavesNothingBehind) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, EveryRefusalIsLoggedWordForWordAndLeavesNothingBehind) {
     const std::string scripted = BuiltPlugin("scripted.tvp");
     const std::string dir = sim.PluginsDir();
     const std::string good = sim.AddLoose("a_good.tvp", scripted);
@@ -248,9 +239,7 @@ TEST(Discovery, EveryRefusalIsLoggedWordForWordAndLeavesNothingBehind) {
     EXPECT_FALSE(IsMapped(minimal));
 }
 
-TEST(Discovery, HostFilterIsAskedTwiceForLooseFilesAndFalseSkipsSilently) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, HostFilterIsAskedTwiceForLooseFilesAndFalseSkipsSilently) {
     const std::string scripted = BuiltPlugin("scripted.tvp");
     const std::string keep = sim.AddLoose("keep.tvp", scripted);
     const std::string skip = sim.AddLoose("skip.tvp", scripted);
@@ -269,13 +258,10 @@ TEST(Discovery, HostFilterIsAskedTwiceForLooseFilesAndFalseSkipsSilently) {
     std::vector<std::string> shown;
     for (const HostCall& c : host.CallsTo("TVPMDisplayInitString_f")) shown.push_back(c.args[0]);
     EXPECT_EQ(shown, (std::vector<std::string>{Quoted("Loading Plugin: keep.tvp")}));
-    host.Shutdown();
 }
 
-TEST(Discovery, StartUpScreenNamesEachLooseFileEvenOneThatFailsToLoad) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("one.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Discovery, StartUpScreenNamesEachLooseFileEvenOneThatFailsToLoad) {
+    AddScripted({"one.tvp"});
     sim.WriteFile("Resources/plugins/two.tvp", "junk");
     sim.AddFat("three", "lin_x64", BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
@@ -283,13 +269,10 @@ TEST(Discovery, StartUpScreenNamesEachLooseFileEvenOneThatFailsToLoad) {
     for (const HostCall& c : host.CallsTo("TVPMDisplayInitString_f")) shown.push_back(c.args[0]);
     EXPECT_EQ(shown, (std::vector<std::string>{Quoted("Loading Plugin: one.tvp"),
                                                Quoted("Loading Plugin: two.tvp")}));
-    host.Shutdown();
 }
 
-TEST(Discovery, TPluginStartRunsAsTheNewPluginWithAProvisionalRecord) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Discovery, TPluginStartRunsAsTheNewPluginWithAProvisionalRecord) {
+    AddScripted({"alpha.tvp"});
     sim.AddFat("beta", "lin_x64", BuiltPlugin("scripted.tvp"));
     struct Seen {
         TVPMPluginID me = -9;
@@ -325,12 +308,9 @@ TEST(Discovery, TPluginStartRunsAsTheNewPluginWithAProvisionalRecord) {
     char name[256];
     TVPMGetPluginInfo(1, name, nullptr, nullptr, nullptr);
     EXPECT_STREQ(name, "Pretty Name");
-    host.Shutdown();
 }
 
-TEST(Discovery, FolderEndingInDirIsListedTwiceAndItsSecondCopyIsADuplicate) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, FolderEndingInDirIsListedTwiceAndItsSecondCopyIsADuplicate) {
     const std::string path = sim.AddFat("navdir", "lin_x64", BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
     EXPECT_EQ(TVPMCountPlugins(), 2);
@@ -345,10 +325,8 @@ TEST(Discovery, FolderEndingInDirIsListedTwiceAndItsSecondCopyIsADuplicate) {
     EXPECT_FALSE(IsMapped(path));
 }
 
-TEST(Discovery, MissingOrUnreadablePluginFolderLoadsNothing) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Discovery, MissingOrUnreadablePluginFolderLoadsNothing) {
+    AddScripted({"alpha.tvp"});
     const std::string dir = sim.PluginsDir();
     ASSERT_EQ(chmod(dir.c_str(), 0), 0);
     if (DIR* d = opendir(dir.c_str())) {  // running as root: permissions do not bite
@@ -362,12 +340,9 @@ TEST(Discovery, MissingOrUnreadablePluginFolderLoadsNothing) {
     EXPECT_EQ(TVPMCountPlugins(), 1);
     EXPECT_TRUE(Journal().empty());
     EXPECT_EQ(host.Log(), Fetching(dir));
-    host.Shutdown();
 }
 
-TEST(Discovery, NoPluginFolderAtAllStillStartsTheHostRecord) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, NoPluginFolderAtAllStillStartsTheHostRecord) {
     fs::remove_all(sim.PluginsDir());
     ASSERT_EQ(host.Start(sim.Root()), 23);
     EXPECT_EQ(TVPMCountPlugins(), 1);
@@ -379,23 +354,17 @@ TEST(Discovery, NoPluginFolderAtAllStillStartsTheHostRecord) {
     EXPECT_STREQ(desc, "Torvane flight simulator");
     EXPECT_STREQ(path, "");
     EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()));
-    host.Shutdown();
 }
 
-TEST(Discovery, PluginFolderThatIsNotAFolderLoadsNothing) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, PluginFolderThatIsNotAFolderLoadsNothing) {
     fs::remove_all(sim.PluginsDir());
     sim.WriteFile("Resources/plugins", "a file where the folder should be");
     ASSERT_EQ(host.Start(sim.Root()), 23);
     EXPECT_EQ(TVPMCountPlugins(), 1);
     EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()));
-    host.Shutdown();
 }
 
-TEST(Discovery, SceneryPluginThatRefusesToStartLeavesTheOthersRunning) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Discovery, SceneryPluginThatRefusesToStartLeavesTheOthersRunning) {
     const std::string pack =
         sim.AddSceneryPack("City", {"a", "b", "c"}, BuiltPlugin("scripted.tvp"));
     Script("b").start = [](char*, char*, char*) { return 0; };
@@ -413,5 +382,4 @@ TEST(Discovery, SceneryPluginThatRefusesToStartLeavesTheOthersRunning) {
                   Loaded(pack + "plugins/c/lin_x64/c.tvp", "test.c"));
     EXPECT_EQ(TVPMFindPluginBySignature("test.c"), 2);
     EXPECT_FALSE(IsMapped(pack + "plugins/b/lin_x64/b.tvp"));
-    host.Shutdown();
 }

@@ -6,9 +6,11 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 
 using namespace tvpmtest;
+using Events = SimTest;
 
 namespace {
 
@@ -48,10 +50,8 @@ constexpr Broadcast kBroadcasts[] = {
 
 }  // namespace
 
-TEST(Events, EachBroadcastCarriesItsMessageAndParameterFromTheSimulator) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Events, EachBroadcastCarriesItsMessageAndParameterFromTheSimulator) {
+    AddScripted({"alpha.tvp"});
     Script("alpha.tvp").message = Record;
     ASSERT_EQ(host.Start(sim.Root()), 23);
 
@@ -72,13 +72,10 @@ TEST(Events, EachBroadcastCarriesItsMessageAndParameterFromTheSimulator) {
         EXPECT_EQ(toHost[0].args, (Lines{"0", std::to_string(b.message), param ? "0x7" : "null"}));
         EXPECT_EQ(TVPMGetMyID(), 0);
     }
-    host.Shutdown();
 }
 
-TEST(Events, QuietKindsAndUnknownKindsReturnOneAndSendNothing) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Events, QuietKindsAndUnknownKindsReturnOneAndSendNothing) {
+    AddScripted({"alpha.tvp"});
     Script("alpha.tvp").start = [](char*, char*, char*) {
         TVPMEnableFeature("TVPM_WANTS_DATAREF_NOTIFICATIONS", 1);
         return 1;
@@ -94,39 +91,29 @@ TEST(Events, QuietKindsAndUnknownKindsReturnOneAndSendNothing) {
     EXPECT_TRUE(Journal().empty());
     EXPECT_EQ(host.Count("TorvaneReceiveMessage_f"), 0u);
     EXPECT_EQ(TVPMCountPlugins(), 2);
-    host.Shutdown();
 }
 
-TEST(Events, BroadcastSkipsDisabledPluginsButNotTheOthers) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-    sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Events, BroadcastSkipsDisabledPluginsButNotTheOthers) {
+    AddScripted({"alpha.tvp", "beta.tvp"});
     ASSERT_EQ(host.Start(sim.Root()), 23);
     TVPMDisablePlugin(1);
     Journal().clear();
     TVPMEventHook(tvpm_AirportLoaded, 0, 0, 0, 0);
     EXPECT_EQ(Journal(), (Lines{"beta.tvp:message 103 from 0"}));
-    host.Shutdown();
 }
 
-TEST(Events, AMessageHandlerSeesItselfAsCurrentAndTheSimulatorAsCaller) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Events, AMessageHandlerSeesItselfAsCurrentAndTheSimulatorAsCaller) {
+    AddScripted({"alpha.tvp"});
     static TVPMPluginID me = -9;
     Script("alpha.tvp").message = [](TVPMPluginID, int, void*) { me = TVPMGetMyID(); };
     ASSERT_EQ(host.Start(sim.Root()), 23);
     TVPMEventHook(tvpm_WritePrefs, 0, 0, 0, 0);
     EXPECT_EQ(me, 1);
     EXPECT_EQ(TVPMGetMyID(), 0);
-    host.Shutdown();
 }
 
-TEST(Events, EventsBeforeStartUpAndAfterShutDownDoNothing) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Events, EventsBeforeStartUpAndAfterShutDownDoNothing) {
+    AddScripted({"alpha.tvp"});
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     for (int kind = 0; kind <= 20; ++kind)
         EXPECT_EQ(TVPMEventHook(static_cast<TVPMEventKind>(kind), 0, 0, 0, 0), 1);

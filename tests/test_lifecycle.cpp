@@ -8,10 +8,12 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
+using Lifecycle = SimTest;
 namespace fs = std::filesystem;
 
 namespace {
@@ -47,10 +49,8 @@ std::string Fetching(const std::string& folder) {
 
 }  // namespace
 
-TEST(Lifecycle, EnableAndDisableSemantics) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, EnableAndDisableSemantics) {
+    AddScripted({"alpha.tvp"});
     static int enabledInsideEnable = -1, enabledInsideDisable = -1, meInsideDisable = -1;
     Script("alpha.tvp").enable = [] {
         enabledInsideEnable = TVPMIsPluginEnabled(TVPMGetMyID());
@@ -91,11 +91,8 @@ TEST(Lifecycle, EnableAndDisableSemantics) {
     EXPECT_EQ(JournalOf("alpha.tvp").back(), "alpha.tvp:stop");
 }
 
-TEST(Lifecycle, PluginThatDeclinesToEnableStaysLoadedAndDisabled) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-    sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, PluginThatDeclinesToEnableStaysLoadedAndDisabled) {
+    AddScripted({"alpha.tvp", "beta.tvp"});
     Script("alpha.tvp").enable = [] { return 0; };
     ASSERT_EQ(host.Start(sim.Root()), 23);
     EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
@@ -115,11 +112,8 @@ TEST(Lifecycle, PluginThatDeclinesToEnableStaysLoadedAndDisabled) {
     EXPECT_EQ(JournalSince(mark), (Lines{"beta.tvp:disable", "alpha.tvp:stop", "beta.tvp:stop"}));
 }
 
-TEST(Lifecycle, PluginDisablesItselfFromItsOwnCallback) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-    sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, PluginDisablesItselfFromItsOwnCallback) {
+    AddScripted({"alpha.tvp", "beta.tvp"});
     static TVPMPluginID meAfter = -9;
     OnPoke("alpha.tvp", [] {
         TVPMDisablePlugin(TVPMGetMyID());
@@ -137,13 +131,10 @@ TEST(Lifecycle, PluginDisablesItselfFromItsOwnCallback) {
     EXPECT_EQ(JournalSince(mark).back(), "beta.tvp:message 556 from 0");
     EXPECT_EQ(JournalOf("alpha.tvp:message 556").size(), 0u);
     EXPECT_EQ(TVPMEnablePlugin(1), 1);
-    host.Shutdown();
 }
 
-TEST(Lifecycle, ReloadAskedInsideACallbackRunsOnceAtTheEndOfTheFlightLoopPass) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, ReloadAskedInsideACallbackRunsOnceAtTheEndOfTheFlightLoopPass) {
+    AddScripted({"alpha.tvp"});
     sim.AddFat("beta", "lin_x64", BuiltPlugin("scripted.tvp"));
     static Lines journalAfterRequest;
     OnPoke("alpha.tvp", [] {
@@ -183,13 +174,10 @@ TEST(Lifecycle, ReloadAskedInsideACallbackRunsOnceAtTheEndOfTheFlightLoopPass) {
     host.RunFrame();
     EXPECT_EQ(JournalSince(mark), Lines{});
     EXPECT_EQ(host.Count("TVPMDisplayModalAlert_f"), 1u);
-    host.Shutdown();
 }
 
-TEST(Lifecycle, FullReloadAlsoReloadsTheAircraftPlugins) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, FullReloadAlsoReloadsTheAircraftPlugins) {
+    AddScripted({"alpha.tvp"});
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
@@ -204,13 +192,10 @@ TEST(Lifecycle, FullReloadAlsoReloadsTheAircraftPlugins) {
     // Still known as an aircraft plugin: the aircraft's unload removes it.
     TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
     EXPECT_EQ(TVPMCountPlugins(), 2);
-    host.Shutdown();
 }
 
-TEST(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
+    AddScripted({"alpha.tvp"});
     const std::string acf = sim.AddAircraft("Jet", {"wx", "fms"}, BuiltPlugin("scripted.tvp"));
     const std::string acfPlugins = sim.Root() + "Aircraft/Jet/plugins";
     fs::copy_file(BuiltPlugin("scripted.tvp"), acfPlugins + "/loose.tvp");
@@ -257,9 +242,7 @@ TEST(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
     EXPECT_FALSE(IsMapped(fmsPath));
 }
 
-TEST(Lifecycle, AircraftPathWithoutFolderLoadsNothing) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Lifecycle, AircraftPathWithoutFolderLoadsNothing) {
     sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     host.userAircraftPath = "Jet.acf";
     ASSERT_EQ(host.Start(sim.Root()), 23);
@@ -268,13 +251,10 @@ TEST(Lifecycle, AircraftPathWithoutFolderLoadsNothing) {
     TVPMReloadACFPlugins();
     EXPECT_EQ(TVPMCountPlugins(), 1);
     EXPECT_EQ(host.Log(), "");
-    host.Shutdown();
 }
 
-TEST(Lifecycle, ReloadACFPluginsRestartsOnlyTheAircraftPlugins) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, ReloadACFPluginsRestartsOnlyTheAircraftPlugins) {
+    AddScripted({"alpha.tvp"});
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms", "wx"}, BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
@@ -290,12 +270,9 @@ TEST(Lifecycle, ReloadACFPluginsRestartsOnlyTheAircraftPlugins) {
     TVPMReloadACFPlugins();
     EXPECT_EQ(TVPMCountPlugins(), 2);
     EXPECT_EQ(JournalOf("fms").back(), "fms:stop");
-    host.Shutdown();
 }
 
-TEST(Lifecycle, AircraftPluginCanReloadItselfFromItsOwnCallback) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Lifecycle, AircraftPluginCanReloadItselfFromItsOwnCallback) {
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     const std::string fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
     static TVPMPluginID meAfter = -9;
@@ -315,12 +292,9 @@ TEST(Lifecycle, AircraftPluginCanReloadItselfFromItsOwnCallback) {
     TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
     host.RunFrame();
     EXPECT_FALSE(IsMapped(fmsPath));
-    host.Shutdown();
 }
 
-TEST(Lifecycle, AircraftPluginUnloadedFromItsOwnCallbackKeepsItsCodeUntilItReturns) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Lifecycle, AircraftPluginUnloadedFromItsOwnCallbackKeepsItsCodeUntilItReturns) {
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     static std::string fmsPath;
     fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
@@ -341,12 +315,9 @@ TEST(Lifecycle, AircraftPluginUnloadedFromItsOwnCallbackKeepsItsCodeUntilItRetur
     // The next call from the simulator finds no plugin code running: now it goes.
     host.RunFrame();
     EXPECT_FALSE(IsMapped(fmsPath));
-    host.Shutdown();
 }
 
-TEST(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     Script("fms").start = [](char*, char*, char*) {
         TVPMReloadACFPlugins();
@@ -363,12 +334,9 @@ TEST(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
                   "[fms/lin_x64/fms.tvp]: TVPMReloadACFPlugins called while plugins are "
                   "being loaded or unloaded; ignored.\n" +
                   "Loaded: " + acfPlugins + "/fms/lin_x64/fms.tvp (test.fms).\n\n");
-    host.Shutdown();
 }
 
-TEST(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirIdsButStayOff) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirIdsButStayOff) {
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     const std::string pack = sim.AddSceneryPack("City", {"lights"}, BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
@@ -388,13 +356,10 @@ TEST(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirIdsButStayOff)
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
     EXPECT_EQ(TVPMCountPlugins(), 4);
     EXPECT_EQ(TVPMIsPluginEnabled(3), 1);
-    host.Shutdown();
 }
 
-TEST(Lifecycle, SceneryPackPluginsAreLoadedThenEnabled) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Lifecycle, SceneryPackPluginsAreLoadedThenEnabled) {
+    AddScripted({"alpha.tvp"});
     const std::string pack =
         sim.AddSceneryPack("City", {"trams", "lights"}, BuiltPlugin("scripted.tvp"));
     fs::copy_file(BuiltPlugin("scripted.tvp"), pack + "plugins/loose.tvp");
@@ -413,12 +378,9 @@ TEST(Lifecycle, SceneryPackPluginsAreLoadedThenEnabled) {
     // No folder at all: nothing happens.
     EXPECT_EQ(TVPMEventHook(tvpm_RegisterScenery, 0, 0, 0, 0), 1);
     EXPECT_EQ(TVPMCountPlugins(), 4);
-    host.Shutdown();
 }
 
-TEST(Lifecycle, AFullSessionRunsClean) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Lifecycle, AFullSessionRunsClean) {
     const std::string scripted = BuiltPlugin("scripted.tvp");
     sim.AddLoose("alpha.tvp", scripted);
     sim.AddLoose("beta.tvp", scripted);

@@ -10,10 +10,13 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "PluginContext.h"
+#include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
+using Utilities = SimTest;
 namespace fs = std::filesystem;
 
 namespace {
@@ -25,13 +28,10 @@ void CollectError(const char* text) { s_errors.push_back(text); }
 
 // Runs action as the plugin alpha.tvp (its message handler), with an error callback installed.
 void AsPlugin(std::function<void()> action) {
-    static std::function<void()> pending;
-    pending = std::move(action);
-    Script("alpha.tvp").message = [](TVPMPluginID, int, void*) {
+    RunAs("alpha.tvp", [&] {
         TVPMSetErrorCallback(CollectError);
-        pending();
-    };
-    TVPMSendMessageToPlugin(TVPMFindPluginBySignature("test.alpha.tvp"), 1, nullptr);
+        action();
+    });
 }
 
 std::string Split(const std::string& path, std::string& folder) {
@@ -49,10 +49,8 @@ Lines Sorted(Lines v) {
 
 }  // namespace
 
-TEST(Utilities, LogGoesToTheSimulatorUntouchedAndNeverBeforeStartUp) {
+TEST_F(Utilities, LogGoesToTheSimulatorUntouchedAndNeverBeforeStartUp) {
     TVPMDebugString("before start-up\n");  // no table yet: dropped
-    FakeHost host;
-    SimFolder sim;
     ASSERT_EQ(host.Start(sim.Root()), 23);
     host.ClearCalls();
     TVPMDebugString("one line\n");
@@ -61,12 +59,9 @@ TEST(Utilities, LogGoesToTheSimulatorUntouchedAndNeverBeforeStartUp) {
     EXPECT_EQ(host.Count("TVPMDebugString_f"), 2u);
     EXPECT_EQ(host.Log(), "one line\n");
     EXPECT_STREQ(TVPMGetDirectorySeparator(), "/");
-    host.Shutdown();
 }
 
-TEST(Utilities, SystemAndPrefsPathsComeFromTheSimulator) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Utilities, SystemAndPrefsPathsComeFromTheSimulator) {
     host.On<&TVPMHooks::TVPMGetPrefsPath_f>([](char* out) { strcpy(out, "/prefs/Torvane.prf"); });
     ASSERT_EQ(host.Start(sim.Root()), 23);
     char path[512] = "";
@@ -78,10 +73,9 @@ TEST(Utilities, SystemAndPrefsPathsComeFromTheSimulator) {
     TVPMGetSystemPath(nullptr);
     TVPMGetPrefsPath(nullptr);
     EXPECT_EQ(host.Calls().size(), 0u);
-    host.Shutdown();
 }
 
-TEST(Utilities, ExtractFileAndPathSplitsInPlace) {
+TEST_F(Utilities, ExtractFileAndPathSplitsInPlace) {
     std::string folder;
     EXPECT_EQ(Split("a/b/c.txt", folder), "c.txt");
     EXPECT_EQ(folder, "a/b");
@@ -96,7 +90,7 @@ TEST(Utilities, ExtractFileAndPathSplitsInPlace) {
     EXPECT_EQ(TVPMExtractFileAndPath(nullptr), nullptr);
 }
 
-TEST(Utilities, DirectoryContentsArePackedUntilTheBufferIsFull) {
+TEST_F(Utilities, DirectoryContentsArePackedUntilTheBufferIsFull) {
     SimFolder sim;
     const std::string dir = sim.MakeDir("list");
     for (const char* name : {"aaaa", "bb", "cccccc"})
@@ -158,10 +152,8 @@ TEST(Utilities, DirectoryContentsArePackedUntilTheBufferIsFull) {
     EXPECT_EQ(returned, 0);
 }
 
-TEST(Utilities, DataFilesCheckTheirTypeBeforeReachingTheSimulator) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Utilities, DataFilesCheckTheirTypeBeforeReachingTheSimulator) {
+    AddScripted({"alpha.tvp"});
     host.On<&TVPMHooks::TVPMLoadDataFile_f>([](TVPMDataFileType, const char*) { return 1; });
     host.On<&TVPMHooks::TVPMSaveDataFile_f>([](TVPMDataFileType, const char*) { return 1; });
     ASSERT_EQ(host.Start(sim.Root()), 23);
@@ -193,12 +185,9 @@ TEST(Utilities, DataFilesCheckTheirTypeBeforeReachingTheSimulator) {
     EXPECT_EQ(saves[1].args, (Lines{"1", "\"\""}));
     // Nothing of this reaches the log.
     EXPECT_EQ(host.Log(), "");
-    host.Shutdown();
 }
 
-TEST(Utilities, ForwardersPassThrough) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Utilities, ForwardersPassThrough) {
     host.On<&TVPMHooks::TVPMGetLanguage_f>([] { return 3; });
     static int marker;
     host.On<&TVPMHooks::TVPMFindSymbol_f>([](const char*) { return static_cast<void*>(&marker); });
@@ -216,5 +205,4 @@ TEST(Utilities, ForwardersPassThrough) {
                      "TVPMFindSymbol_f", "TVPMShiftScenery_f"}));
     EXPECT_EQ(host.Calls()[1].args, (Lines{"1", "65"}));
     EXPECT_EQ(host.Calls()[3].args, (Lines{"\"HostFunc\""}));
-    host.Shutdown();
 }
