@@ -69,23 +69,6 @@ void WarnDeprecatedUse(const TVPMData_t* d, const char* requested, TVPMPluginID 
 
 // ---- Registration -----------------------------------------------------------
 
-struct TVPMAccessors {
-    TVPMGetDatai_f readInt;
-    TVPMSetDatai_f writeInt;
-    TVPMGetDataf_f readFloat;
-    TVPMSetDataf_f writeFloat;
-    TVPMGetDatad_f readDouble;
-    TVPMSetDatad_f writeDouble;
-    TVPMGetDatavi_f readIntArray;
-    TVPMSetDatavi_f writeIntArray;
-    TVPMGetDatavf_f readFloatArray;
-    TVPMSetDatavf_f writeFloatArray;
-    TVPMGetDatab_f readData;
-    TVPMSetDatab_f writeData;
-    void* readRef;
-    void* writeRef;
-};
-
 void FillRecord(TVPMData_t* d, TVPMDataTypeID type, int writable, const TVPMAccessors& a) {
     const TVPMPluginID owner = TVPMGetDispatchedPlugin();
     d->type = type & kDataTypeMask;
@@ -94,20 +77,7 @@ void FillRecord(TVPMData_t* d, TVPMDataTypeID type, int writable, const TVPMAcce
     d->deprecated = owner == 0 ? static_cast<eDrefDeprecations>(
                                      (static_cast<unsigned>(type) >> kDeprecationShift) & 0xFF)
                                : Current;
-    d->readInt = a.readInt;
-    d->writeInt = a.writeInt;
-    d->readFloat = a.readFloat;
-    d->writeFloat = a.writeFloat;
-    d->readDouble = a.readDouble;
-    d->writeDouble = a.writeDouble;
-    d->readIntArray = a.readIntArray;
-    d->writeIntArray = a.writeIntArray;
-    d->readFloatArray = a.readFloatArray;
-    d->writeFloatArray = a.writeFloatArray;
-    d->readData = a.readData;
-    d->writeData = a.writeData;
-    d->readRef = a.readRef;
-    d->writeRef = a.writeRef;
+    static_cast<TVPMAccessors&>(*d) = a;
     d->plugin = owner;
 }
 

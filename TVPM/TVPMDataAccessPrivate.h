@@ -20,15 +20,8 @@ enum eDrefDeprecations : uint8_t {
     Replaced = 2,
 };
 
-// One data item. Plain data, so that a block of them can be zero-filled and
-// handed out by address for the life of the process.
-struct TVPMData_t {
-    const char* name;  // the key of its gDataRefs entry, which is never erased
-    TVPMDataTypeID type;
-    bool writable;
-    eDrefDeprecations deprecated;
-    const char* replaced_by;
-    TVPMPluginID plugin;  // -1: dead (unregistered or its owner went away)
+// What an owner registers for an item: its accessors and their refcons.
+struct TVPMAccessors {
     TVPMGetDatai_f readInt;
     TVPMSetDatai_f writeInt;
     TVPMGetDataf_f readFloat;
@@ -43,6 +36,17 @@ struct TVPMData_t {
     TVPMSetDatab_f writeData;
     void* readRef;
     void* writeRef;
+};
+
+// One data item. Plain data, so that a block of them can be zero-filled and
+// handed out by address for the life of the process.
+struct TVPMData_t : TVPMAccessors {
+    const char* name;  // the key of its gDataRefs entry, which is never erased
+    TVPMDataTypeID type;
+    bool writable;
+    eDrefDeprecations deprecated;
+    const char* replaced_by;
+    TVPMPluginID plugin;  // -1: dead (unregistered or its owner went away)
 };
 
 constexpr int kDataRefsPerBlock = 102;

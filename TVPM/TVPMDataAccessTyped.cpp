@@ -21,14 +21,14 @@ inline R CallOwner(TVPMPluginID owner, Accessor accessor, void* refcon, Args... 
 }
 
 template <class R, class Accessor, class... Args>
-inline R Read(TVPMDataRef ref, Accessor TVPMData_t::*slot, Args... args) {
+inline R Read(TVPMDataRef ref, Accessor TVPMAccessors::*slot, Args... args) {
     const TVPMData_t* d = Record(ref);
     if (!d || !(d->*slot)) return R();
     return CallOwner<R>(d->plugin, d->*slot, d->readRef, args...);
 }
 
 template <class Accessor, class... Args>
-inline void Write(TVPMDataRef ref, Accessor TVPMData_t::*slot, Args... args) {
+inline void Write(TVPMDataRef ref, Accessor TVPMAccessors::*slot, Args... args) {
     const TVPMData_t* d = Record(ref);
     if (!d || !d->writable || !(d->*slot)) return;
     CallOwner<void>(d->plugin, d->*slot, d->writeRef, args...);
