@@ -43,6 +43,7 @@ int NoteAndStop(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 char kA[] = "A", kB[] = "B", kC[] = "C";
 
 std::string PtrArg(const void* p) { return FormatArg(p); }
+using Refs = std::vector<std::string>;
 
 // Two loose plugins, alpha and beta, started.
 struct TwoPlugins {
@@ -67,6 +68,14 @@ struct TwoPlugins {
     ~TwoPlugins() { host.Shutdown(); }
     void Register(const std::string& key, TVPMCommandCallback_f cb, int before, char* refcon) {
         RunAs(key, [=] { TVPMRegisterCommandHandler(kCmd, cb, before, refcon); });
+    }
+    // One repeat pass: the commands the host is asked to continue, in order.
+    std::vector<std::string> RepeatPass() {
+        host.ClearCalls();
+        TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
+        std::vector<std::string> refs;
+        for (const HostCall& c : host.CallsTo("TVPMDoCommandContinue_f")) refs.push_back(c.args[0]);
+        return refs;
     }
 };
 
@@ -246,22 +255,14 @@ TEST(Commands, HeldCommandRepeatsPausesWhileDisabledAndIsReleasedAtUnload) {
     TwoPlugins t;
     RunAs("alpha.tvp", [] { TVPMCommandBegin(kCmd); });
     RunAs("beta.tvp", [] { TVPMCommandBegin(kOther); });
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 2u);
+    EXPECT_EQ(t.RepeatPass().size(), 2u);
 
     TVPMDisablePlugin(t.alpha);
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    auto repeats = t.host.CallsTo("TVPMDoCommandContinue_f");
-    ASSERT_EQ(repeats.size(), 1u);
-    EXPECT_EQ(repeats[0].args[0], PtrArg(kOther));
+    EXPECT_EQ(t.RepeatPass(), Refs{PtrArg(kOther)});
     EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 0u) << "disabling does not release";
 
     TVPMEnablePlugin(t.alpha);
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 2u) << "repeats resume";
+    EXPECT_EQ(t.RepeatPass().size(), 2u) << "repeats resume";
 
     t.host.ClearCalls();
     t.host.Shutdown();
@@ -286,11 +287,7 @@ TEST(Commands, APluginDisabledDuringTheRepeatPassIsNotRepeatedInIt) {
     t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) {
         if (cmd == kCmd) TVPMDisablePlugin(s_second);
     });
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    auto repeats = t.host.CallsTo("TVPMDoCommandContinue_f");
-    ASSERT_EQ(repeats.size(), 1u);
-    EXPECT_EQ(repeats[0].args[0], PtrArg(kCmd));
+    EXPECT_EQ(t.RepeatPass(), Refs{PtrArg(kCmd)});
 }
 
 TEST(Commands, HeldCommandsRepeatOnTheRepeatEventAndButtonsOnTheFrame) {
@@ -303,9 +300,7 @@ TEST(Commands, HeldCommandsRepeatOnTheRepeatEventAndButtonsOnTheFrame) {
     t.host.RunFrame();
     EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u);
     EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 1u);
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 1u);
+    EXPECT_EQ(t.RepeatPass().size(), 1u);
     EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 0u);
 }
 
@@ -315,13 +310,9 @@ TEST(Commands, HeldCommandsAreASet) {
         TVPMCommandBegin(kCmd);
         TVPMCommandBegin(kCmd);
     });
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 1u);
+    EXPECT_EQ(t.RepeatPass().size(), 1u);
     RunAs("alpha.tvp", [] { TVPMCommandEnd(kCmd); });
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u);
+    EXPECT_TRUE(t.RepeatPass().empty());
     t.host.Shutdown();
     EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 0u) << "nothing is left to release";
 }
@@ -331,9 +322,7 @@ TEST(Commands, AnotherPluginsEndDoesNotReleaseMyCommand) {
     RunAs("alpha.tvp", [] { TVPMCommandBegin(kCmd); });
     RunAs("beta.tvp", [] { TVPMCommandEnd(kCmd); });  // passed to the host all the same
     EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 1u);
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 1u);
+    EXPECT_EQ(t.RepeatPass().size(), 1u);
 }
 
 namespace {
@@ -356,11 +345,7 @@ TEST(Commands, ACommandEndedDuringItsOwnRepeatIsNotRepeatedAgain) {
         TVPMCommandBegin(kOther);
     });
     TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    auto repeats = t.host.CallsTo("TVPMDoCommandContinue_f");
-    ASSERT_EQ(repeats.size(), 1u);
-    EXPECT_EQ(repeats[0].args[0], PtrArg(kOther));
+    EXPECT_EQ(t.RepeatPass(), Refs{PtrArg(kOther)});
 }
 
 TEST(Commands, UnknownRefsPassThroughUnchanged) {
@@ -398,9 +383,7 @@ TEST(Commands, UnloadingAnAircraftPluginReleasesItsCommandsAndDropsItsHandlers) 
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
     EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0/" + std::to_string(t.alpha)}));
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u);
+    EXPECT_TRUE(t.RepeatPass().empty());
 }
 
 namespace {
