@@ -1,4 +1,4 @@
-// unit_event_hook.cpp: each simulator event reaches the right units in the right order, as seen from inside the library.
+// unit_event_hook.cpp: each simulator event reaches the right units in the right order, as seen from inside the library (what plugins see of it is in test_events and test_lifecycle).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,12 +8,7 @@
 #include "support/UnitSteps.h"
 
 namespace {
-
-bool s_newItems = false;
 bool s_busy = false;
-const char* s_aircraftFolder = "/sim/Aircraft/Jet";
-int s_features[4] = {0, 1, 0, 1};  // per plugin: the notification flag
-
 }  // namespace
 
 TVPMPluginTable gAllPlugins;
@@ -23,17 +18,11 @@ TVPMPluginID gPendingWeatherUpdate = -1;
 void TVPMReportUnclosedWeatherUpdate() {}
 
 TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID to, int message, void* param) {
-    if (message == TVPM_MSG_DATAREFS_ADDED)
-        Step("send %d %d total=%d as %d", to, message, *static_cast<int*>(param),
-             gDispatchedPlugin);
-    else
-        Step("send %d %d %p as %d", to, message, param, gDispatchedPlugin);
+    Step("send %d %d %p as %d", to, message, param, gDispatchedPlugin);
 }
 TVPM_API int TVPMCountPlugins(void) { return 4; }
 TVPM_API TVPMPluginID TVPMGetNthPlugin(int n) { return n; }
-int TVPMHasFeatureInternal(TVPMPluginID id, int index) {
-    return index == kFeatureWantsDatarefNotifications ? s_features[id] : 0;
-}
+int TVPMHasFeatureInternal(TVPMPluginID, int) { return 0; }
 void TVPMInitMenus() {}
 void TVPMPublishBuildString(const char*) {}
 void TVPMFindAndLoadPlugins(const char*) {}
@@ -51,14 +40,12 @@ void TVPMFMODClearChannelGroupsInBank(TVPMPluginID id, int bank) {
     Step("clear bank %d %d as %d", id, bank, gDispatchedPlugin);
 }
 bool TVPMDataRefsCheckForNew(int& outCount) {
-    outCount = 321;
-    Step("check new");
-    return s_newItems;
+    outCount = 0;
+    return false;
 }
 bool TVPMLoaderBusy() { return s_busy; }
 bool TVPMGetUserAircraftFolder(std::string& out) {
-    if (!s_aircraftFolder) return false;
-    out = s_aircraftFolder;
+    out = "/sim/Aircraft/Jet";
     return true;
 }
 void TVPMFindAndLoadAcfPlugins(const char* folder) { Step("load aircraft %s", folder); }
@@ -87,9 +74,7 @@ protected:
     void TearDown() override {
         gHooks = nullptr;
         gAllPlugins.clear();
-        s_newItems = false;
         s_busy = false;
-        s_aircraftFolder = "/sim/Aircraft/Jet";
     }
     TVPMHooks hooks{};
 };
@@ -115,21 +100,6 @@ TEST_F(EventHook, FrameEventsRunTheirUnitsInOrder) {
     EXPECT_EQ(Send(static_cast<TVPMEventKind>(20), 5), (Steps{"close deferred"}));
 }
 
-TEST_F(EventHook, UserAircraftLoadBroadcastsThenLoadsAndEnablesItsPlugins) {
-    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0),
-              (Steps{"close deferred", "send -1 102 (nil) as 0", "load aircraft /sim/Aircraft/Jet",
-                     "enable aircraft"}));
-    EXPECT_EQ(Send(tvpm_PlaneLoaded, 2), (Steps{"close deferred", "send -1 102 0x2 as 0"}));
-    s_aircraftFolder = nullptr;
-    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), (Steps{"close deferred", "send -1 102 (nil) as 0"}));
-}
-
-TEST_F(EventHook, UserAircraftUnloadBroadcastsThenDisablesAndUnloads) {
-    EXPECT_EQ(Send(tvpm_PlaneUnloaded, 0), (Steps{"close deferred", "send -1 106 (nil) as 0",
-                                                  "disable aircraft", "unload aircraft"}));
-    EXPECT_EQ(Send(tvpm_PlaneUnloaded, 3), (Steps{"close deferred", "send -1 106 0x3 as 0"}));
-}
-
 TEST_F(EventHook, EventsSentWhilePluginsAreLoadingOnlyBroadcast) {
     s_busy = true;
     EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), (Steps{"close deferred", "send -1 102 (nil) as 0"}));
@@ -138,20 +108,7 @@ TEST_F(EventHook, EventsSentWhilePluginsAreLoadingOnlyBroadcast) {
               (Steps{"close deferred"}));
 }
 
-TEST_F(EventHook, SceneryRegistrationHandsOverThePackFolder) {
-    EXPECT_EQ(Send(tvpm_RegisterScenery, reinterpret_cast<intptr_t>("/sim/Custom Scenery/City/")),
-              (Steps{"close deferred", "scenery /sim/Custom Scenery/City/"}));
-}
-
 TEST_F(EventHook, BankUnloadingBroadcastsThenClearsTheBankAsTheSimulator) {
     EXPECT_EQ(Send(tvpm_FMODBankUnloading, 6),
               (Steps{"close deferred", "send -1 113 0x6 as 0", "clear bank -1 6 as 0"}));
-}
-
-TEST_F(EventHook, NewDataItemsAreAnnouncedOnlyToPluginsThatAskedWithTheTotal) {
-    EXPECT_EQ(Send(tvpm_CheckNewDatarefs, 0), (Steps{"close deferred", "check new"}));
-    s_newItems = true;
-    EXPECT_EQ(Send(tvpm_CheckNewDatarefs, 0),
-              (Steps{"close deferred", "check new", "send 1 114 total=321 as 0",
-                     "send 3 114 total=321 as 0"}));
 }
