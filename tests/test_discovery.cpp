@@ -42,13 +42,6 @@ std::string DlErrorLine(const std::string& path, const char* symbol = nullptr) {
     return "dlerror:" + LoaderError(path, symbol) + "\n";
 }
 
-// True while the library at path is mapped into the process.
-bool IsMapped(const std::string& path) {
-    void* dll = dlopen(path.c_str(), RTLD_NOLOAD | RTLD_LAZY);
-    if (dll) dlclose(dll);
-    return dll != nullptr;
-}
-
 std::string Quoted(const std::string& s) { return "\"" + s + "\""; }
 
 size_t TimesAsked(const FakeHost& host, const std::string& path) {
@@ -67,10 +60,6 @@ std::vector<std::string> Starts() {
 
 std::string Loaded(const std::string& path, const std::string& signature) {
     return "Loaded: " + path + " (" + signature + ").\n\n";
-}
-
-std::string Fetching(const std::string& folder) {
-    return "Fetching plugins for " + folder + "\n\n";
 }
 
 void SetSignature(const std::string& key, const std::string& signature) {

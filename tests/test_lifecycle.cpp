@@ -8,6 +8,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
@@ -20,19 +21,9 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-bool IsMapped(const std::string& path) {
-    void* dll = dlopen(path.c_str(), RTLD_NOLOAD | RTLD_LAZY);
-    if (dll) dlclose(dll);
-    return dll != nullptr;
-}
-
 // Journal lines written since mark.
 Lines JournalSince(size_t mark) {
     return Lines(Journal().begin() + static_cast<long>(mark), Journal().end());
-}
-
-TVPMPluginID IdOf(const std::string& key) {
-    return TVPMFindPluginBySignature(("test." + key).c_str());
 }
 
 // Makes key run action whenever it receives message 7777.
@@ -42,10 +33,6 @@ void OnPoke(const std::string& key, std::function<void()> action) {
     };
 }
 void Poke(const std::string& key) { TVPMSendMessageToPlugin(IdOf(key), 7777, nullptr); }
-
-std::string Fetching(const std::string& folder) {
-    return "Fetching plugins for " + folder + "\n\n";
-}
 
 }  // namespace
 

@@ -1,6 +1,7 @@
-// SimTest.h: a test fixture holding the fake simulator and its temporary folder; the simulator is shut down after each test.
+// SimTest.h: a test fixture holding the fake simulator and its temporary folder (shut down after each test), and what loader tests ask of it.
 #pragma once
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <initializer_list>
@@ -10,6 +11,18 @@
 #include "Harness.h"
 
 namespace tvpmtest {
+
+// True while the library at path is mapped into the process.
+inline bool IsMapped(const std::string& path) {
+    void* dll = dlopen(path.c_str(), RTLD_NOLOAD | RTLD_LAZY);
+    if (dll) dlclose(dll);
+    return dll != nullptr;
+}
+
+// The log line that opens the loading of a plugin folder.
+inline std::string Fetching(const std::string& folder) {
+    return "Fetching plugins for " + folder + "\n\n";
+}
 
 class SimTest : public ::testing::Test {
 protected:
