@@ -3,6 +3,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMDataAccess.h"
 #include "TVPM/TVPMPlugin.h"
 #include "data_test_util.h"
@@ -43,13 +44,10 @@ TVPMDataRef RegisterAll(const char* name, int writable) {
                                     SetVI, GetVF, SetVF, GetB, SetB, &s_refTag, &s_refTag);
 }
 
-struct TypedAccess : ::testing::Test {
-    FakeHost host;
-    SimFolder sim;
+struct TypedAccess : SimTest {
     TVPMDataRef all = nullptr;
     void SetUp() override {
-        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+        AddScripted({"alpha.tvp", "beta.tvp"});
         Script("alpha.tvp").enable = [this] {
             if (!all) all = RegisterAll("test/all", 1);
             return 1;
@@ -161,13 +159,10 @@ void Changed(void* refcon) {
 }
 char kAlphaTag[] = "alpha", kBetaTag[] = "beta", kOtherTag[] = "other";
 
-struct SharedData : ::testing::Test {
-    FakeHost host;
-    SimFolder sim;
+struct SharedData : SimTest {
     TVPMPluginID alpha = -1, beta = -1;
     void SetUp() override {
-        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+        AddScripted({"alpha.tvp", "beta.tvp"});
         ASSERT_EQ(host.Start(sim.Root()), 23);
         alpha = IdOf("alpha.tvp");
         beta = IdOf("beta.tvp");

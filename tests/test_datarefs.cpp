@@ -6,6 +6,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMDataAccess.h"
 #include "TVPM/TVPMPlugin.h"
 #include "data_test_util.h"
@@ -26,12 +27,9 @@ TVPMDataRef RegisterInt(const char* name, int* storage, TVPMDataTypeID type = tv
 
 // A simulator folder with scripted plugins alpha and beta, each listening for
 // errors (collector 1 and 2).
-struct TwoPlugins : ::testing::Test {
-    FakeHost host;
-    SimFolder sim;
+struct TwoPlugins : SimTest {
     void SetUp() override {
-        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+        AddScripted({"alpha.tvp", "beta.tvp"});
         Script("alpha.tvp").enable = [] { ListenForErrors<1>(); return 1; };
         Script("beta.tvp").enable = [] { ListenForErrors<2>(); return 1; };
     }

@@ -10,6 +10,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "PluginContext.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMProcessing.h"
@@ -26,7 +27,7 @@ struct CallerSeen {
 };
 std::vector<CallerSeen> s_seen;
 
-class Dispatch : public ::testing::Test {
+class Dispatch : public SimTest {
 protected:
     void SetUp() override {
         for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"}) {
@@ -44,7 +45,6 @@ protected:
         gamma = IdOf("gamma.tvp");
         s_seen.clear();
     }
-    void TearDown() override { host.Shutdown(); }
 
     // Runs code as plugin id. The code travels with the message rather than in
     // the plugin's script, so a plugin can be re-entered while it runs.
@@ -52,8 +52,6 @@ protected:
         TVPMSendMessageToPlugin(id, kRunAsMessage, &code);
     }
 
-    FakeHost host;
-    SimFolder sim;
     TVPMPluginID alpha = -1, beta = -1, gamma = -1;
 };
 

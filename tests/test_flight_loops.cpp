@@ -3,6 +3,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMProcessing.h"
 #include "data_test_util.h"
@@ -54,14 +55,11 @@ std::vector<std::string> Names() {
     return out;
 }
 
-struct FlightLoops : ::testing::Test {
-    FakeHost host;
-    SimFolder sim;
+struct FlightLoops : SimTest {
     TVPMPluginID alpha = -1, beta = -1;
     void SetUp() override {
         host.On<&TVPMHooks::TVPMGetElapsedTime_f>([] { return s_now; });
-        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+        AddScripted({"alpha.tvp", "beta.tvp"});
         Script("alpha.tvp").enable = [] { ListenForErrors<1>(); return 1; };
         Script("beta.tvp").enable = [] { ListenForErrors<2>(); return 1; };
         ASSERT_EQ(host.Start(sim.Root()), 23);

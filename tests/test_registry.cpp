@@ -8,6 +8,7 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "PluginContext.h"
 #include "TVPM/TVPMPlugin.h"
 
@@ -19,7 +20,7 @@ std::vector<std::string> s_errors;
 void OnError(const char* text) { s_errors.push_back(text); }
 
 // Three scripted plugins.
-class Registry : public ::testing::Test {
+class Registry : public SimTest {
 protected:
     void SetUp() override {
         for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"})
@@ -33,7 +34,6 @@ protected:
         ASSERT_GT(gamma, 0);
         s_errors.clear();
     }
-    void TearDown() override { host.Shutdown(); }
 
     std::vector<std::string> HostMessages() const {
         std::vector<std::string> out;
@@ -42,8 +42,6 @@ protected:
         return out;
     }
 
-    FakeHost host;
-    SimFolder sim;
     std::vector<std::string> paths;
     TVPMPluginID alpha = -1, beta = -1, gamma = -1;
 };

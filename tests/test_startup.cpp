@@ -3,15 +3,15 @@
 
 #include "FakeHost.h"
 #include "Harness.h"
+#include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
+using Startup = SimTest;
 
-TEST(Startup, RefusesTableOneSlotShortButCountsAsInitialized) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Startup, RefusesTableOneSlotShortButCountsAsInitialized) {
+    AddScripted({"alpha.tvp"});
     host.hooks.structSize = 1312;
     EXPECT_EQ(host.Start(sim.Root()), 0);
     EXPECT_EQ(TVPMInitialized(), 1);
@@ -19,20 +19,16 @@ TEST(Startup, RefusesTableOneSlotShortButCountsAsInitialized) {
     EXPECT_TRUE(Journal().empty());
 }
 
-TEST(Startup, RefusesOtherTableVersion) {
-    FakeHost host;
-    SimFolder sim;
+TEST_F(Startup, RefusesOtherTableVersion) {
     host.hooks.version = 24;
     EXPECT_EQ(host.Start(sim.Root()), 0);
     EXPECT_TRUE(host.Calls().empty());
 }
 
-TEST(Startup, NotInitializedBeforeStart) { EXPECT_EQ(TVPMInitialized(), 0); }
+TEST_F(Startup, NotInitializedBeforeStart) { EXPECT_EQ(TVPMInitialized(), 0); }
 
-TEST(Startup, HostReadyComesBeforeTheFirstPluginStarts) {
-    FakeHost host;
-    SimFolder sim;
-    sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+TEST_F(Startup, HostReadyComesBeforeTheFirstPluginStarts) {
+    AddScripted({"alpha.tvp"});
     bool readyBeforeStart = false;
     Script("alpha.tvp").start = [&](char*, char*, char*) {
         readyBeforeStart = host.Count("TVPMHostReady_f") == 1;
@@ -46,13 +42,11 @@ TEST(Startup, HostReadyComesBeforeTheFirstPluginStarts) {
     EXPECT_EQ(JournalOf("alpha.tvp").back(), "alpha.tvp:stop");
 }
 
-TEST(Startup, VersionsReportTheLibraryAndTheHost) {
-    FakeHost host;
+TEST_F(Startup, VersionsReportTheLibraryAndTheHost) {
     host.On<&TVPMHooks::TVPMGetVersions_f>([](int* v, TVPMHostApplicationID* id) {
         *v = 1207;
         *id = 1;
     });
-    SimFolder sim;
     host.Start(sim.Root());
     int mine = 0;
     TVPMGetVersions(nullptr, &mine, nullptr);
