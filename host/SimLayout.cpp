@@ -46,9 +46,9 @@ std::string DefaultAircraft(const std::string& root) {
 
 std::string DefaultLibrary() {
     if (const char* env = getenv("TVPM_LIBRARY")) return env;
+    // An installed tvpm-host uses the library installed with it (bin/ next
+    // to lib/); in the build tree, the one built alongside it.
     std::error_code ec;
-    if (fs::is_regular_file(TVPM_HOST_LIBRARY, ec)) return TVPM_HOST_LIBRARY;
-    // An installed tvpm-host: bin/ next to lib/.
     const fs::path self = fs::read_symlink("/proc/self/exe", ec);
     const fs::path installed = self.parent_path().parent_path() / "lib" / "TVPM_64.so";
     return !ec && fs::is_regular_file(installed, ec) ? installed.string() : TVPM_HOST_LIBRARY;
