@@ -64,7 +64,12 @@ void ExplainDeath(int status, const std::string& logFile, CheckResult& r) {
     HostLog log;
     std::istringstream in(Slurp(logFile));
     for (std::string line; std::getline(in, line);) ParseLogLine(line, log);
-    for (auto& v : log.violations) r.problems.push_back("threading violation: " + v);
+    for (auto& v : log.violations) {
+        r.problems.push_back("threading violation: " + v);
+        // "Violation by <name> (<signature> - <path>)": the only place the
+        // name is known when the plugin died while starting.
+        if (r.name.empty() && v.rfind("Violation by ", 0) == 0) r.name = v.substr(13, v.rfind(" (") - 13);
+    }
     if (WIFSIGNALED(status)) {
         const int sig = WTERMSIG(status);
         r.problems.push_back(sig == SIGALRM ? "did not finish within " + std::to_string(kChildSeconds) + " s"

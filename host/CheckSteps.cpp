@@ -56,7 +56,7 @@ void ReportLeftBehind(const std::string& path, Findings& f) {
                    (l.releasedBy.empty() ? "was still in the simulator after unload"
                                          : "was not released by the plugin (TVPM's clean-up did it)")];
     for (auto& [text, count] : seen)
-        f.Add("problem", "left behind: " + text + (count > 1 ? " (" + std::to_string(count) + " unloads)" : ""));
+        f.Add("problem", "left behind: " + text + (count > 1 ? " (at each of " + std::to_string(count) + " unloads)" : ""));
 }
 
 void ReportTimings(const Simulator& sim, const std::string& path, Findings& f) {

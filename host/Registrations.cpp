@@ -31,7 +31,7 @@ void ObserveHotKeys(RunSummary& summary) {
     TVPMApi& api = Api();
     if (!api.CountHotKeys || !api.GetNthHotKey || !api.GetHotKeyInfo) return;
     for (int i = 0, n = api.CountHotKeys(); i < n; ++i) {
-        char description[256] = {0};
+        char description[512] = {0};  // hot-key descriptions may be 511 characters
         char key = 0;
         TVPMKeyFlags flags = 0;
         TVPMPluginID owner = -1;
@@ -91,6 +91,7 @@ void CompleteSummary(RunSummary& summary, const Simulator& sim) {
     });
     for (auto& [path, categories] : sim.timings)
         if (summary.plugins.count(path)) summary.plugins[path].timings = categories;
+    summary.hostDataItems = sim.hostDataItems;
     summary.failed = sim.log.failed;
     summary.loaderWarnings = sim.log.loaderWarnings;
     summary.pluginWarnings = sim.log.pluginWarnings;

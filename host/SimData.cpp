@@ -11,8 +11,8 @@ namespace tvpmhost {
 
 namespace {
 
-constexpr int kDeprecated = 1 << 24;  // only the simulator may publish retired names
-constexpr int kReplaced = 2 << 24;
+constexpr int kDeprecated = tvpm_DataRefDeprecatedFlag;  // only the simulator may publish these
+constexpr int kReplaced = tvpm_DataRefReplacedFlag;
 
 struct HostValues {
     char buildString[64] = {0};

@@ -9,6 +9,7 @@ namespace tvpmhost {
 namespace {
 
 constexpr int kFirstDrawingHook = 1, kLastDrawingHook = 27;
+constexpr int kWindowAfterKind = 21;
 constexpr int kStartedOK = 23;
 constexpr int kUserAircraft = 0;
 
@@ -46,7 +47,7 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
     World().systemPath = root;
     gLogSink = [this](const char* text) { log.Write(text); };
     FillHooks(hooks);
-    PublishHostDataItems();
+    hostDataItems = PublishHostDataItems();
     const int result = Api().InitializePlugins(root.c_str(), &hooks, nullptr);
     log.Flush();
     if (result != kStartedOK) {
@@ -65,10 +66,20 @@ void Simulator::Frame() {
     Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    DrawGuiWindows();
     Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
     Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
     CollectTimings();
     log.Flush();
+}
+
+void Simulator::DrawGuiWindows() {
+    // The simulator draws its own windows: each visible plugin window is
+    // drawn by a window-phase pass of its own.
+    std::vector<void*> visible;
+    for (auto& [id, w] : World().windows)
+        if (w.alive && w.visible) visible.push_back(id);
+    for (void* id : visible) Api().DoDrawingHook(kWindowAfterKind, 0, id);
 }
 
 void Simulator::Frames(long count) {

@@ -43,9 +43,11 @@ public:
     void Shutdown();
 
     bool started = false;
+    int hostDataItems = 0;
 
 private:
     void CollectTimings();
+    void DrawGuiWindows();
 };
 
 // The data items the simulator publishes before TVPM starts (when the
