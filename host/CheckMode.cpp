@@ -131,6 +131,7 @@ CheckResult CheckOne(const CheckUnit& unit, const HostOptions& o, const std::str
     }
     ReadFindings(root + "check.result", r);
     ExplainDeath(status, root + "check.log", r);
+    r.log = Slurp(root + "check.log");
     if (r.name.empty()) r.name = unit.source.substr(unit.source.rfind('/') + 1);
     return r;
 }
@@ -172,11 +173,18 @@ int RunCheck(const HostOptions& o) {
     std::vector<CheckResult> results;
     bool ok = true;
     printf("Checking %zu plugin%s with %s\n\n", units.size(), units.size() == 1 ? "" : "s", library.c_str());
+    FILE* log = o.logFile.empty() ? nullptr : fopen(o.logFile.c_str(), "w");
+    if (!o.logFile.empty() && !log) {
+        fprintf(stderr, "tvpm-host: cannot write %s\n", o.logFile.c_str());
+        return 2;
+    }
     for (auto& unit : units) {
         results.push_back(CheckOne(unit, o, library));
+        if (log) fprintf(log, "==== %s\n%s", unit.source.c_str(), results.back().log.c_str());
         ok = ok && results.back().Passed(o.strict);
         PrintResult(results.back(), o.strict);
     }
+    if (log) fclose(log);
     size_t passed = 0;
     for (auto& r : results) passed += r.Passed(o.strict);
     printf("\n%zu of %zu plugins passed%s\n", passed, results.size(), o.strict ? " (strict)" : "");

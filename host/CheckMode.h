@@ -19,6 +19,7 @@ struct CheckResult {
     CheckUnit unit;
     std::string library, name;
     std::vector<std::string> problems, warnings, slowest, notes;
+    std::string log;  // TVPM's log during the check
     bool Passed(bool strict) const { return problems.empty() && (!strict || warnings.empty()); }
 };
 

@@ -47,12 +47,12 @@ void FillLifecycleSlots(TVPMHooks& h) {
 void FillAlertSlots(TVPMHooks& h) {
     // Headless: an alert is answered at once, as if the user dismissed it.
     h.TVPMDisplayModalAlert_f = [](const char* a, const char* b, const char*, const char*) {
-        World().alerts.push_back(std::string(a ? a : "") + " " + (b ? b : ""));
+        World().Alert(std::string(a ? a : "") + " " + (b ? b : ""));
     };
     h.TVPMDisplayDismissableAlert_f = [](const char* path, const char* kind, const char* title,
                                          const char* item, const char*, const char*) {
-        World().alerts.push_back(std::string(kind ? kind : "") + ": " + (title ? title : "") +
-                                 " [" + (item ? item : "") + "] " + (path ? path : ""));
+        World().Alert(std::string(kind ? kind : "") + ": " + (title ? title : "") + " [" +
+                      (item ? item : "") + "] " + (path ? path : ""));
     };
     h.TVPMSpeakString_f = [](char*) {};
 }

@@ -1,6 +1,8 @@
 // SimWorld.cpp: the headless simulator's stores and the actions that keep them consistent.
 #include "SimWorld.h"
 
+#include <cstdio>
+
 #include "TVPMApi.h"
 
 namespace tvpmhost {
@@ -10,14 +12,6 @@ std::function<void(const char*)> gLogSink;
 SimWorld& World() {
     static SimWorld world;
     return world;
-}
-
-void SimWorld::Reset() {
-    const double keepFps = fps;
-    const std::string keepRoot = systemPath;
-    *this = SimWorld();
-    fps = keepFps;
-    systemPath = keepRoot;
 }
 
 void* SimWorld::NewToken() {
@@ -71,6 +65,27 @@ void SimWorld::CommandPhase(void* ref, int phase) {
     }
     (void)go;
     Api().CommandHook(ref, down, up, 0);
+}
+
+void SimWorld::AddSimulatorCommands() {
+    static const char* const kCommands[][2] = {
+        {"sim/operation/pause_toggle", "Pause the simulation"},
+        {"sim/flight_controls/flaps_down", "Flaps down a notch"},
+        {"sim/flight_controls/flaps_up", "Flaps up a notch"},
+        {"sim/flight_controls/landing_gear_toggle", "Landing gear up or down"},
+        {"sim/view/default_view", "The default view"},
+    };
+    for (auto& [name, description] : kCommands) {
+        FindCreateCommand(name, description, 1);
+        SimCommand& c = commands[commandsByName[name]];
+        c.created = false;
+        c.creator.clear();
+    }
+}
+
+void SimWorld::Alert(const std::string& text) {
+    alerts.push_back(text);
+    if (echoAlerts) printf("  ! alert: %s\n", text.c_str());
 }
 
 void SimWorld::RunCommandOnce(void* ref) {

@@ -78,6 +78,8 @@ public:
     void CommandPhase(void* ref, int phase);  // 0 begin, 1 continue, 2 end
     // Runs a command as the simulator does for a key or menu pick: begin and end.
     void RunCommandOnce(void* ref);
+    // The simulator's own commands, which plugins find by name.
+    void AddSimulatorCommands();
 
     // ---- menus ----
     std::map<intptr_t, SimMenu> menus;
@@ -116,15 +118,14 @@ public:
     // ---- diagnostics ----
     std::vector<LeftBehind> leftBehind;
     std::vector<std::string> alerts, assertions;
+    bool echoAlerts = false;  // print alerts as they are raised
+    void Alert(const std::string& text);
     // Records how a resource owned by owner went away.
     void Released(const std::string& kind, const std::string& name, const std::string& owner);
     // Everything still alive that belongs to plugin path.
     std::vector<SimResource> AliveOf(const std::string& path) const;
     // Adds a LeftBehind entry for everything of path still alive.
     void ReportAliveOf(const std::string& path);
-
-    // Puts the per-run state back to a fresh simulator.
-    void Reset();
 };
 
 SimWorld& World();

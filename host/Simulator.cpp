@@ -46,6 +46,8 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
     World().fps = fps;
     World().systemPath = root;
     gLogSink = [this](const char* text) { log.Write(text); };
+    World().echoAlerts = log.echo;
+    World().AddSimulatorCommands();
     FillHooks(hooks);
     hostDataItems = PublishHostDataItems();
     const int result = Api().InitializePlugins(root.c_str(), &hooks, nullptr);
