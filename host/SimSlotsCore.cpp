@@ -121,6 +121,17 @@ void FillCoreSlots(TVPMHooks& h) {
     FillCommandSlots(h);
 }
 
+int EmptySlot(const TVPMHooks& h) {
+    // The slots follow the two leading ints; FMOD's three stay empty on purpose.
+    constexpr int kSlots = 164, kFirstFMOD = 154, kLastFMOD = 156;
+    using Slot = void (*)();
+    Slot slots[kSlots];
+    memcpy(slots, reinterpret_cast<const char*>(&h) + 2 * sizeof(int), sizeof slots);
+    for (int n = 1; n <= kSlots; ++n)
+        if (!slots[n - 1] && (n < kFirstFMOD || n > kLastFMOD)) return n;
+    return 0;
+}
+
 void FillHooks(TVPMHooks& h) {
     h = TVPMHooks{};
     h.version = TVPM_HOOKS_VERSION;

@@ -133,6 +133,8 @@ SimWorld& World();
 // Fills all slots of the hook table with the headless simulator (FMOD slots
 // stay null: there is no sound system).
 void FillHooks(TVPMHooks& hooks);
+// The number (1-164) of a slot left empty that should not be, or 0.
+int EmptySlot(const TVPMHooks& hooks);
 void FillDisplaySlots(TVPMHooks& hooks);
 void FillWorldSlots(TVPMHooks& hooks);
 void FillNavigationSlots(TVPMHooks& hooks);

@@ -49,6 +49,10 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
     World().echoAlerts = log.echo;
     World().AddSimulatorCommands();
     FillHooks(hooks);
+    if (const int empty = EmptySlot(hooks)) {
+        error = "internal error: hook slot " + std::to_string(empty) + " is empty";
+        return false;
+    }
     hostDataItems = PublishHostDataItems();
     const int result = Api().InitializePlugins(root.c_str(), &hooks, nullptr);
     log.Flush();
