@@ -59,8 +59,17 @@ void ReadFindings(const std::string& file, CheckResult& r) {
     }
 }
 
+// The first report line a sanitizer or the C++ runtime left on the child's output.
+std::string CrashReport(const std::string& outFile) {
+    std::istringstream in(Slurp(outFile));
+    for (std::string line; std::getline(in, line);)
+        if (line.find("ERROR: ") != std::string::npos || line.find("terminate called") != std::string::npos)
+            return line.substr(line.find_first_not_of("= 0123456789"));
+    return "";
+}
+
 // What a child that did not finish left in its log.
-void ExplainDeath(int status, const std::string& logFile, CheckResult& r) {
+void ExplainDeath(int status, const std::string& logFile, const std::string& outFile, CheckResult& r) {
     HostLog log;
     std::istringstream in(Slurp(logFile));
     for (std::string line; std::getline(in, line);) ParseLogLine(line, log);
@@ -77,6 +86,8 @@ void ExplainDeath(int status, const std::string& logFile, CheckResult& r) {
     } else if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
         r.problems.push_back("the simulator process exited with status " + std::to_string(WEXITSTATUS(status)));
     }
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        if (const std::string report = CrashReport(outFile); !report.empty()) r.problems.push_back(report);
 }
 
 void RunChild(const CheckUnit& unit, const std::string& root, const std::string& library,
@@ -130,7 +141,7 @@ CheckResult CheckOne(const CheckUnit& unit, const HostOptions& o, const std::str
         return r;
     }
     ReadFindings(root + "check.result", r);
-    ExplainDeath(status, root + "check.log", r);
+    ExplainDeath(status, root + "check.log", root + "check.out", r);
     r.log = Slurp(root + "check.log");
     if (r.name.empty()) r.name = unit.source.substr(unit.source.rfind('/') + 1);
     return r;
