@@ -44,26 +44,23 @@ void* SimWorld::FindCreateCommand(const char* name, const char* description, int
 }
 
 void SimWorld::CommandPhase(void* ref, int phase) {
-    auto it = commands.find(ref);
     const int down = phase == 0, up = phase == 2;
-    // Plugins' before-handlers may stop the command; after-handlers always run.
-    const bool go = Api().CommandHook(ref, down, up, 1) != 0;
+    // Before-handlers may consume the command: then the simulator's own
+    // action (here: counting it) does not happen. After-handlers always run.
+    const bool act = Api().CommandHook(ref, down, up, 1) != 0;
+    auto it = commands.find(ref);
     if (it != commands.end()) {
         SimCommand& c = it->second;
-        if (phase == 0) {
-            ++c.begins;
-            if (!c.held) c.heldBy = CurrentPluginPath();
+        if (act) ++(phase == 0 ? c.begins : phase == 1 ? c.continues : c.ends);
+        if (phase == 0 && !c.held) {
             c.held = true;
-        } else if (phase == 1) {
-            ++c.continues;
-        } else {
-            ++c.ends;
-            if (c.held) Released("command held", c.name, c.heldBy);
+            c.heldBy = CurrentPluginPath();
+        } else if (phase == 2 && c.held) {
+            Released("command held", c.name, c.heldBy);
             c.held = false;
             c.heldBy.clear();
         }
     }
-    (void)go;
     Api().CommandHook(ref, down, up, 0);
 }
 
