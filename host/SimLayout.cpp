@@ -25,6 +25,12 @@ std::string FatLibrary(const fs::path& folder) {
     return "";
 }
 
+// "a/b/" and "a/b" name the same folder.
+fs::path Normal(const std::string& path) {
+    fs::path p = fs::path(path).lexically_normal();
+    return p.has_filename() ? p : p.parent_path();
+}
+
 std::vector<std::string> SortedEntries(const fs::path& dir) {
     std::vector<std::string> out;
     std::error_code ec;
@@ -73,8 +79,8 @@ bool MakeSimulatorFolder(const std::string& root, std::string& error) {
 
 std::string AddPlugin(const std::string& root, const std::string& plugin, std::string& error) {
     std::error_code ec;
-    const fs::path source = fs::path(plugin).lexically_normal();
-    const fs::path name = source.has_filename() ? source.filename() : source.parent_path().filename();
+    const fs::path source = Normal(plugin);
+    const fs::path name = source.filename();
     const fs::path target = fs::path(root) / "Resources/plugins" / name;
     if (fs::is_directory(source, ec)) {
         if (FatLibrary(source).empty()) {
@@ -100,7 +106,7 @@ std::string AddPlugin(const std::string& root, const std::string& plugin, std::s
 
 std::string AddAircraftPlugin(const std::string& root, const std::string& plugin,
                               std::string& error) {
-    const fs::path source = fs::path(plugin).lexically_normal();
+    const fs::path source = Normal(plugin);
     const fs::path aircraft = fs::path(root) / "Aircraft" / "Checked";
     const fs::path target = aircraft / "plugins" / source.filename();
     std::error_code ec;
@@ -117,9 +123,8 @@ std::string AddAircraftPlugin(const std::string& root, const std::string& plugin
 std::string AircraftFile(const std::string& folder) {
     for (const auto& entry : SortedEntries(folder))
         if (fs::path(entry).extension() == ".acf") return entry;
-    const fs::path f = fs::path(folder).lexically_normal();
-    const std::string name = f.has_filename() ? f.filename().string() : f.parent_path().filename().string();
-    return (fs::path(folder) / (name + ".acf")).string();
+    const fs::path f = Normal(folder);
+    return (f / (f.filename().string() + ".acf")).string();
 }
 
 std::string FatLibraryOf(const std::string& folder) { return FatLibrary(folder); }
