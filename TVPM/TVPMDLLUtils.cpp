@@ -68,7 +68,7 @@ void* TVPMFindSymbol(void* inDLL, const char* inSymbol, int inLogErrors) {
 
 // Kept out of line so that the frame count up to the caller holds.
 __attribute__((noinline)) void* TVPMGetDLLForCaller(int num_frames) {
-    const int depth = std::min(num_frames, 9);
+    const int depth = std::max(0, std::min(num_frames, 9));
     void* frames[10] = {};
     int got = backtrace(frames, depth + 1);
     void* handle = got > depth ? LoadedLibraryContaining(frames[depth]) : nullptr;

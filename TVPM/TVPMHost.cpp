@@ -4,6 +4,7 @@
 #include <string>
 
 #include "TVPM/TVPMPlugin.h"
+#include "TVPMLoaderLifecycle.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -33,20 +34,25 @@ void BroadcastFromHost(int message, void* param) {
     TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, message, param);
 }
 
+// The aircraft and scenery events reshape the plugin table; a plugin that
+// sends one from inside its own start or stop gets only the broadcast.
 void OnPlaneLoaded(intptr_t index) {
     BroadcastFromHost(TVPM_MSG_PLANE_LOADED, reinterpret_cast<void*>(index));
-    if (index != 0) return;
-    std::string folder = TVPMUserAircraftFolder();
-    if (folder.empty()) return;
+    std::string folder;
+    if (index != 0 || TVPMLoaderBusy() || !TVPMGetUserAircraftFolder(folder)) return;
     TVPMFindAndLoadAcfPlugins(folder.c_str());
     TVPMEnableACFPlugins();
 }
 
 void OnPlaneUnloaded(intptr_t index) {
     BroadcastFromHost(TVPM_MSG_PLANE_UNLOADED, reinterpret_cast<void*>(index));
-    if (index != 0) return;
+    if (index != 0 || TVPMLoaderBusy()) return;
     TVPMDisableACFPlugins();
     TVPMUnloadAcfPlugin();
+}
+
+void OnRegisterScenery(const char* pack) {
+    if (!TVPMLoaderBusy()) TVPMFindAndLoadSceneryPlugins(pack);
 }
 
 void OnCheckNewDatarefs() {
@@ -109,6 +115,12 @@ TVPM_API int TVPMInitialized(void) { return gHooks ? 1 : 0; }
 
 TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float,
                            intptr_t inFuture1, intptr_t) {
+    // Before start-up, after a refused table and after shut-down there is no
+    // plugin table: nothing to route, and no aircraft plugin may load.
+    if (!gHooks || gAllPlugins.empty()) return 1;
+    // Libraries of plugins that unloaded themselves can go once the host
+    // calls in from outside any plugin.
+    TVPMCloseDeferredLibraries();
     switch (inEventType) {
         case tvpm_FlightLoopEvent:
             TVPMDoRepeatedButtons();
@@ -123,7 +135,7 @@ TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float
         case tvpm_PlaneUnloaded: OnPlaneUnloaded(inFuture1); break;
         case tvpm_CommandRepeat: TVPMCommandRepeatHook(); break;
         case tvpm_RegisterScenery:
-            TVPMFindAndLoadSceneryPlugins(reinterpret_cast<const char*>(inFuture1));
+            OnRegisterScenery(reinterpret_cast<const char*>(inFuture1));
             break;
         case tvpm_FMODBankUnloading: {
             StDispatchCallback scope(0);

@@ -7,6 +7,7 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 #include "TVPMDLLUtils.h"
+#include "TVPMLoaderLifecycle.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -58,23 +59,46 @@ void AddHostRecord() {
     host.enabled = true;
 }
 
-PluginRecord& AppendPluginRecord(void* dll, const std::string& path) {
+// The five entry points, resolved in this order; each missing one is logged.
+struct EntryPoints {
+    TVPMPluginStart_f start;
+    TVPMPluginStop_f stop;
+    TVPMPluginEnable_f enable;
+    TVPMPluginDisable_f disable;
+    TVPMPluginReceiveMessage_f receiveMessage;
+};
+
+template <class F>
+F Resolve(void* dll, const char* symbol) {
+    return reinterpret_cast<F>(TVPMFindSymbol(dll, symbol, 1));
+}
+
+EntryPoints ResolveEntryPoints(void* dll) {
+    EntryPoints e;
+    e.start = Resolve<TVPMPluginStart_f>(dll, "TPluginStart");
+    e.stop = Resolve<TVPMPluginStop_f>(dll, "TPluginStop");
+    e.enable = Resolve<TVPMPluginEnable_f>(dll, "TPluginEnable");
+    e.disable = Resolve<TVPMPluginDisable_f>(dll, "TPluginDisable");
+    e.receiveMessage = Resolve<TVPMPluginReceiveMessage_f>(dll, "TPluginReceiveMessage");
+    return e;
+}
+
+void AppendPluginRecord(void* dll, const std::string& path, const EntryPoints& e) {
     PluginRecord& r = gAllPlugins.emplace_back();
     r.dllRef = dll;
     r.name = NameFromPath(path);
     r.path = path;
-    r.exitFunc = reinterpret_cast<TVPMPluginStop_f>(TVPMFindSymbol(dll, "TPluginStop", 1));
-    r.enableFunc = reinterpret_cast<TVPMPluginEnable_f>(TVPMFindSymbol(dll, "TPluginEnable", 1));
-    r.disableFunc = reinterpret_cast<TVPMPluginDisable_f>(TVPMFindSymbol(dll, "TPluginDisable", 1));
-    r.receiveMessageFunc = reinterpret_cast<TVPMPluginReceiveMessage_f>(
-        TVPMFindSymbol(dll, "TPluginReceiveMessage", 1));
-    return r;
+    r.exitFunc = e.stop;
+    r.enableFunc = e.enable;
+    r.disableFunc = e.disable;
+    r.receiveMessageFunc = e.receiveMessage;
 }
 
 // Drops the table's last record (a plugin that never got going).
 void DropLastRecord(bool isAircraftPlugin) {
     gAllPlugins.pop_back();
-    if (isAircraftPlugin && !gCurrentAircraftPluginIDS.empty()) gCurrentAircraftPluginIDS.pop_back();
+    if (isAircraftPlugin && !gCurrentAircraftPluginIDS.empty())
+        gCurrentAircraftPluginIDS.pop_back();
 }
 
 // The first plugin whose signature equals signature, or -1.
@@ -88,6 +112,31 @@ TVPMPluginID FindSignature(const char* signature) {
     return TVPM_NO_PLUGIN_ID;
 }
 
+// TPluginStart said no: the plugin leaves nothing behind. Whatever it
+// registered while starting is released too, since its code is about to go.
+void RefuseStart(TVPMPluginID id, void* dll, const std::string& path, bool isAircraftPlugin,
+                 TVPMPluginID caller) {
+    LogOutcome("Failed: ", path,
+               ". (The plugin refused to start by returning 0 from TPluginStart.)\n\n");
+    TVPMSetDispatchedPlugin(caller);
+    TVPMRunCleanupHooks(id);
+    DropLastRecord(isAircraftPlugin);
+    TVPMUnloadDLL(dll);
+}
+
+void RefuseDuplicate(TVPMPluginID id, const std::string& path, const char* signature,
+                     bool isAircraftPlugin, TVPMPluginID caller) {
+    TVPMSetDispatchedPlugin(id);
+    TVPMUnloadStoppedPlugin(id);
+    TVPMSetDispatchedPlugin(caller);
+    DropLastRecord(isAircraftPlugin);
+    TVPMDebugString("Warning: ");
+    TVPMDebugString(path.c_str());
+    TVPMDebugString(" Signature: ");
+    TVPMDebugString(signature);
+    TVPMDebugString(". (A version of this plugin is already loaded.)\n");
+}
+
 TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
                            int isCurrentAcfPlugin) {
     if (!gHooks->TVPMShouldLoadPlugin_f(inPluginPath.c_str())) return TVPM_NO_PLUGIN_ID;
@@ -99,41 +148,35 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
                        "missing DLL.)\n\n");
         return TVPM_NO_PLUGIN_ID;
     }
-    auto start = reinterpret_cast<TVPMPluginStart_f>(TVPMFindSymbol(dll, "TPluginStart", 1));
-    if (!start) {
-        LogOutcome("Failed: ", inPluginPath,
-                   ".  (This file is a loadable DLL but is missing the TPluginStart callback.)\n\n");
+    const EntryPoints entry = ResolveEntryPoints(dll);
+    if (!entry.start) {
+        LogOutcome(
+            "Failed: ", inPluginPath,
+            ".  (This file is a loadable DLL but is missing the TPluginStart callback.)\n\n");
         TVPMUnloadDLL(dll);
         return TVPM_NO_PLUGIN_ID;
     }
+    StLoaderBusy busy;
+    // Whoever asked for the load is current again afterwards: the simulator
+    // at start-up, or a plugin that reloads its aircraft's plugins.
+    const TVPMPluginID caller = TVPMGetDispatchedPlugin();
     const TVPMPluginID id = TVPMCountPlugins();
     const bool isAircraftPlugin = isCurrentAcfPlugin != 0;
     TVPMSetDispatchedPlugin(id);
-    AppendPluginRecord(dll, inPluginPath);
+    AppendPluginRecord(dll, inPluginPath, entry);
     if (isAircraftPlugin) gCurrentAircraftPluginIDS.push_back(id);
 
     char name[kTextBufferSize] = "", signature[kTextBufferSize] = "",
          description[kTextBufferSize] = "";
-    if (!start(name, signature, description)) {
-        LogOutcome("Failed: ", inPluginPath,
-                   ". (The plugin refused to start by returning 0 from TPluginStart.)\n\n");
-        DropLastRecord(isAircraftPlugin);
-        TVPMSetDispatchedPlugin(0);
-        TVPMUnloadDLL(dll);
+    if (!entry.start(name, signature, description)) {
+        RefuseStart(id, dll, inPluginPath, isAircraftPlugin, caller);
         return TVPM_NO_PLUGIN_ID;
     }
-    name[kTextBufferSize - 1] = signature[kTextBufferSize - 1] = description[kTextBufferSize - 1] = 0;
-    TVPMSetDispatchedPlugin(0);
+    // A plugin that filled a buffer to the brim still gets terminated text.
+    for (char* text : {name, signature, description}) text[kTextBufferSize - 1] = 0;
+    TVPMSetDispatchedPlugin(caller);
     if (FindSignature(signature) != TVPM_NO_PLUGIN_ID) {
-        TVPMSetDispatchedPlugin(id);
-        UnloadOnePlugin(id);
-        TVPMSetDispatchedPlugin(0);
-        DropLastRecord(isAircraftPlugin);
-        TVPMDebugString("Warning: ");
-        TVPMDebugString(inPluginPath.c_str());
-        TVPMDebugString(" Signature: ");
-        TVPMDebugString(signature);
-        TVPMDebugString(". (A version of this plugin is already loaded.)\n");
+        RefuseDuplicate(id, inPluginPath, signature, isAircraftPlugin, caller);
         return TVPM_NO_PLUGIN_ID;
     }
     PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
@@ -167,8 +210,8 @@ bool IsSkippedFatFolder(const std::string& name) {
            Contains(name, "TVWidgets.framework");
 }
 
-void LoadLooseFiles(const std::string& folder) {
-    for (const std::string& name : SortedListing(folder, "*.tvp")) {
+void LoadLooseFiles(const std::string& folder, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
         if (Contains(name, "PluginAdmin")) continue;
         const std::string path = folder + "/" + name;
         if (!gHooks->TVPMShouldLoadPlugin_f(path.c_str())) continue;
@@ -181,17 +224,21 @@ void LoadLooseFiles(const std::string& folder) {
 }  // namespace
 
 void TVPMFindAndLoadPlugins(const char* inSystemPath) {
+    StLoaderBusy busy;
     TVPMSetDispatchedPlugin(0);
     AddHostRecord();
-    const std::string folder = std::string(inSystemPath) + "Resources/plugins";
+    const std::string folder = std::string(inSystemPath ? inSystemPath : "") + "Resources/plugins";
     LogFetching(folder);
+    const std::vector<std::string> looseFiles = SortedListing(folder, "*.tvp");
     LoadFatPlugin("PluginAdmin", folder + "/PluginAdmin", 0);
-    LoadLooseFiles(folder);
+    LoadLooseFiles(folder, looseFiles);
     for (const std::string& name : SortedListing(folder, "DIR"))
         if (!IsSkippedFatFolder(name)) LoadFatPlugin(name, folder + "/" + name, 0);
 }
 
 void TVPMFindAndLoadAcfPlugins(const char* inAircraftPath) {
+    if (!inAircraftPath) return;
+    StLoaderBusy busy;
     const std::string folder = std::string(inAircraftPath) + "/plugins";
     const std::vector<std::string> names = SortedListing(folder, "DIR");
     LogFetching(folder);
@@ -200,13 +247,16 @@ void TVPMFindAndLoadAcfPlugins(const char* inAircraftPath) {
 
 void TVPMFindAndLoadSceneryPlugins(const char* inSceneryPack) {
     if (!inSceneryPack) return;
-    const std::string folder = std::string(inSceneryPack) + "plugins";
-    const std::vector<std::string> names = SortedListing(folder, "DIR");
-    LogFetching(folder);
     std::vector<TVPMPluginID> loaded;
-    for (const std::string& name : names) {
-        TVPMPluginID id = LoadFatPlugin(name, folder + "/" + name, 0);
-        if (id != TVPM_NO_PLUGIN_ID) loaded.push_back(id);
+    {
+        StLoaderBusy busy;
+        const std::string folder = std::string(inSceneryPack) + "plugins";
+        const std::vector<std::string> names = SortedListing(folder, "DIR");
+        LogFetching(folder);
+        for (const std::string& name : names) {
+            TVPMPluginID id = LoadFatPlugin(name, folder + "/" + name, 0);
+            if (id != TVPM_NO_PLUGIN_ID) loaded.push_back(id);
+        }
     }
     for (TVPMPluginID id : loaded) TVPMEnablePlugin(id);
 }

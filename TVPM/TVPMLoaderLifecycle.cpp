@@ -1,4 +1,6 @@
 // TVPMLoaderLifecycle.cpp: enabling, disabling, unloading and reloading plugins, with every unit told in a fixed order.
+#include "TVPMLoaderLifecycle.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -8,12 +10,16 @@
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
-extern std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
 bool gScheduleReload = false;
 
 namespace {
 
 constexpr int kMinVersionForReloadAlert = 3;
+constexpr size_t kHostPathSize = 1024;
+
+int s_busyDepth = 0;
+// Libraries of plugins unloaded while their own code was still on the stack.
+std::vector<void*> s_deferredCloses;
 
 // A plugin that may be enabled or disabled through the interface: never the
 // simulator's own record.
@@ -21,31 +27,47 @@ PluginRecord* SwitchablePlugin(TVPMPluginID id) {
     return id > 0 ? TVPMGetPluginRecord(id) : nullptr;
 }
 
+// True when the plugin's code may be on the stack below us: it is the plugin
+// being called now or the one that called it.
+bool MayBeRunning(TVPMPluginID id) { return id == gDispatchedPlugin || id == gClientPlugin; }
+
+bool NoPluginIsRunning() { return gDispatchedPlugin <= 0 && gClientPlugin <= 0; }
+
 // Calls TPluginEnable with the plugin current; the plugin counts as enabled
 // during the call and afterwards only if it returned non-zero.
-void CallPluginEnable(TVPMPluginID id) {
+void CallPluginEnable(TVPMPluginID id, TVPMPluginEnable_f enable) {
     StDispatchCallback scope(id);
+    gAllPlugins[static_cast<size_t>(id)].enabled = true;
+    const bool agreed = enable() != 0;
+    // The callback may have reshaped the table; look the record up again.
+    if (PluginRecord* r = TVPMGetPluginRecord(id)) r->enabled = agreed;
+}
+
+bool IsEnabled(TVPMPluginID id) {
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    return r && r->enabled;
+}
+
+// The plugin's own agreement, then the weather unit's; returns the state.
+int EnableAfterHooks(TVPMPluginID id) {
     PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
-    r.enabled = true;
-    r.enabled = r.enableFunc() != 0;
+    if (r.enableFunc)
+        CallPluginEnable(id, r.enableFunc);
+    else
+        r.enabled = true;
+    if (!IsEnabled(id)) return 0;
+    TVPMWeatherEnableHook(id);
+    return IsEnabled(id) ? 1 : 0;
 }
 
 void DeliverPending(TVPMPluginID id) {
     StDispatchCallback scope(id);
-    TVPMDeliveryHead& pending = gAllPlugins[static_cast<size_t>(id)].pending;
-    while (TVPMDelivery* d = pending.first()) {
+    while (PluginRecord* r = TVPMGetPluginRecord(id)) {
+        TVPMDelivery* d = r->pending.first();
+        if (!d) break;
         d->Unlink();
         d->DeliverToPlugin(false);
     }
-}
-
-// Runs the rest of enabling once the plugin agreed; returns the final state.
-int FinishEnable(TVPMPluginID id) {
-    if (gAllPlugins[static_cast<size_t>(id)].enableFunc) CallPluginEnable(id);
-    else gAllPlugins[static_cast<size_t>(id)].enabled = true;
-    if (!gAllPlugins[static_cast<size_t>(id)].enabled) return 0;
-    TVPMWeatherEnableHook(id);
-    return gAllPlugins[static_cast<size_t>(id)].enabled ? 1 : 0;
 }
 
 void OrphanOutstanding(PluginRecord& r) {
@@ -73,7 +95,9 @@ void CallPluginStop(TVPMPluginID id) {
     TVPMSetDispatchedPlugin(saved);
 }
 
-void RunCleanupHooks(TVPMPluginID id) {
+}  // namespace
+
+void TVPMRunCleanupHooks(TVPMPluginID id) {
     TVPMCommandCleanupHook(id);
     TVPMDisplayCleanupHook(id);
     TVPMInstanceCleanupHook(id);
@@ -87,29 +111,77 @@ void RunCleanupHooks(TVPMPluginID id) {
     TVPMWeatherCleanupHook(id);
 }
 
+namespace {
+
+// The record outlives its library until the table is trimmed: it must never
+// lead into unmapped code, and must not pass for the plugin when the same
+// file is loaded again meanwhile (by path or as a duplicate signature).
+void ForgetLibrary(PluginRecord& r, bool closeLater) {
+    if (r.dllRef) {
+        if (closeLater)
+            s_deferredCloses.push_back(r.dllRef);
+        else
+            TVPMUnloadDLL(r.dllRef);
+    }
+    r.dllRef = nullptr;
+    r.exitFunc = nullptr;
+    r.enableFunc = nullptr;
+    r.disableFunc = nullptr;
+    r.receiveMessageFunc = nullptr;
+    r.errorFunc = nullptr;
+    r.enabled = false;
+    r.path.clear();
+    r.signature.clear();
+}
+
+void UnloadPlugin(TVPMPluginID id, bool closeLater) {
+    StLoaderBusy busy;
+    PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
+    OrphanOutstanding(r);
+    CancelPending(r);
+    CallPluginStop(id);
+    TVPMRunCleanupHooks(id);
+    ForgetLibrary(gAllPlugins[static_cast<size_t>(id)], closeLater);
+}
+
+void ReportRefusedAircraftReload() {
+    TVPMLogPluginWarning(
+        "TVPMReloadACFPlugins called while plugins are being loaded or unloaded; ignored.");
+}
+
 }  // namespace
 
-std::string TVPMUserAircraftFolder() {
-    char path[1024] = "", name[1024] = "";
+StLoaderBusy::StLoaderBusy() { ++s_busyDepth; }
+StLoaderBusy::~StLoaderBusy() { --s_busyDepth; }
+bool TVPMLoaderBusy() { return s_busyDepth > 0; }
+
+bool TVPMGetUserAircraftFolder(std::string& outFolder) {
+    char path[kHostPathSize] = "", name[kHostPathSize] = "";
     gHooks->TVPMGetPlaneName_f(0, path, name);
-    std::string p(path);
-    size_t slash = p.rfind('/');
-    return slash == std::string::npos ? std::string() : p.substr(0, slash);
+    path[kHostPathSize - 1] = 0;
+    const std::string p(path);
+    const size_t slash = p.rfind('/');
+    if (slash == std::string::npos) return false;
+    outFolder = p.substr(0, slash);
+    return true;
 }
 
-TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) {
-    const PluginRecord* r = TVPMGetPluginRecord(inPluginID);
-    return r && r->enabled ? 1 : 0;
+std::string TVPMUserAircraftFolder() {
+    std::string folder;
+    return TVPMGetUserAircraftFolder(folder) ? folder : std::string();
 }
+
+TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) { return IsEnabled(inPluginID) ? 1 : 0; }
 
 TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
     PluginRecord* r = SwitchablePlugin(inPluginID);
-    if (!r) return 0;
+    // A record whose library is gone (unloaded, awaiting trimming) stays off.
+    if (!r || !r->dllRef) return 0;
     int state = 1;
     if (!r->enabled) {
         TVPMDisplayEnableHook(inPluginID);
         TVPMInstanceEnableHook(inPluginID);
-        state = FinishEnable(inPluginID);
+        state = EnableAfterHooks(inPluginID);
     }
     if (state) DeliverPending(inPluginID);
     TVPMDisplaySyncGuiWindowStateWithPluginHook(inPluginID, state);
@@ -123,9 +195,10 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
     TVPMInstanceDisableHook(inPluginID);
     TVPMCameraDisableHook(inPluginID);
     r->enabled = false;
-    if (r->disableFunc) {
+    if (TVPMPluginDisable_f disable = r->disableFunc) {
+        // The plugin is already off, so the scope's permission is ignored.
         StDispatchCallback scope(inPluginID);
-        r->disableFunc();
+        disable();
     }
     TVPMPlaneDisableHook(inPluginID);
     TVPMDisplayDisablePostPluginDisableHook(inPluginID);
@@ -136,10 +209,13 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
 TVPM_API void TVPMReloadPlugins(void) { gScheduleReload = true; }
 
 TVPM_API void TVPMReloadACFPlugins(void) {
+    if (!gHooks || gAllPlugins.empty()) return;  // not started, or shut down
+    if (TVPMLoaderBusy()) return ReportRefusedAircraftReload();
+    StLoaderBusy busy;
     TVPMDisableACFPlugins();
     TVPMUnloadAcfPlugin();
-    const std::string folder = TVPMUserAircraftFolder();
-    if (folder.empty()) return;
+    std::string folder;
+    if (!TVPMGetUserAircraftFolder(folder)) return;
     TVPMFindAndLoadAcfPlugins(folder.c_str());
     TVPMEnableACFPlugins();
 }
@@ -168,24 +244,33 @@ bool TVPMIsAcfPlugin(TVPMPluginID id) {
 }
 
 void UnloadOnePlugin(TVPMPluginID id) {
-    PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
-    OrphanOutstanding(r);
-    CancelPending(r);
-    CallPluginStop(id);
-    RunCleanupHooks(id);
-    if (r.dllRef) {
-        TVPMUnloadDLL(r.dllRef);
-        r.dllRef = nullptr;
-    }
+    if (!TVPMIsValidPluginID(id)) return;
+    UnloadPlugin(id, MayBeRunning(id));
+}
+
+void TVPMUnloadStoppedPlugin(TVPMPluginID id) {
+    if (TVPMIsValidPluginID(id)) UnloadPlugin(id, false);
+}
+
+void TVPMCloseDeferredLibraries() {
+    if (!NoPluginIsRunning() || s_deferredCloses.empty()) return;
+    std::vector<void*> handles;
+    handles.swap(s_deferredCloses);
+    for (void* dll : handles) TVPMUnloadDLL(dll);
 }
 
 void TVPMUnloadPlugins() {
-    for (TVPMPluginID id = 1; id < TVPMCountPlugins(); ++id) UnloadOnePlugin(id);
-    gAllPlugins.clear();
-    gCurrentAircraftPluginIDS.clear();
+    {
+        StLoaderBusy busy;
+        for (TVPMPluginID id = 1; id < TVPMCountPlugins(); ++id) UnloadOnePlugin(id);
+        gAllPlugins.clear();
+        gCurrentAircraftPluginIDS.clear();
+    }
+    TVPMCloseDeferredLibraries();
 }
 
 void TVPMUnloadAcfPlugin() {
+    StLoaderBusy busy;
     const std::vector<TVPMPluginID> ids = gCurrentAircraftPluginIDS;
     for (TVPMPluginID id : ids) UnloadOnePlugin(id);
     while (!gAllPlugins.empty() && TVPMIsAcfPlugin(TVPMCountPlugins() - 1)) gAllPlugins.pop_back();
@@ -193,6 +278,7 @@ void TVPMUnloadAcfPlugin() {
 }
 
 void TVPMReloadPluginsInternal() {
+    StLoaderBusy busy;
     gScheduleReload = false;
     TVPMDisableAllPlugins();
     TVPMUnloadAcfPlugin();
@@ -200,10 +286,11 @@ void TVPMReloadPluginsInternal() {
     if (gHooks->version >= kMinVersionForReloadAlert)
         gHooks->TVPMDisplayModalAlert_f("Please place your new plugin in the plugins folder.",
                                         "I will then reload all plugins.", "", "");
-    char systemPath[1024] = "";
+    char systemPath[kHostPathSize] = "";
     gHooks->TVPMGetSystemPath_f(systemPath);
+    systemPath[kHostPathSize - 1] = 0;
     TVPMFindAndLoadPlugins(systemPath);
-    const std::string folder = TVPMUserAircraftFolder();
-    if (!folder.empty()) TVPMFindAndLoadAcfPlugins(folder.c_str());
+    std::string folder;
+    if (TVPMGetUserAircraftFolder(folder)) TVPMFindAndLoadAcfPlugins(folder.c_str());
     TVPMEnableAllPlugins();
 }

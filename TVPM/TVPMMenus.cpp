@@ -1,9 +1,296 @@
-// TVPMMenus.cpp: plugin menus in the shared menus (not built yet: every hook is a no-op).
+// TVPMMenus.cpp: the mirror of every plugin menu, plugin-relative item indices, and menu picks and states for the simulator.
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "TVPM/TVPMMenus.h"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMUtilities.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
-void TVPMInitMenus() {}
-void TVPMMenuCleanupHook(TVPMPluginID) {}
-int TVPMHandleMenuItemPick(int) { return 1; }
-int TVPMHandleMenuItemCheck(intptr_t, int, int*) { return 1; }
-int TVPMHandleMenuItemEnable(intptr_t, int) { return 1; }
+namespace {
+
+struct TVPMItemInfo_t {
+    int itemCode;
+    void* itemRef;
+    TVPMCommandRef itemCommand;
+    TVPMMenuCheck itemCheck;
+    int itemEnable;
+    TVPMPluginID itemOwner;
+};
+
+struct TVPMMenuInfo_t {
+    intptr_t menuHandle;
+    void* menuRef;
+    std::vector<TVPMItemInfo_t> items;  // in host order: index = the host's item index
+    TVPMMenuHandler_f handler;
+    TVPMPluginID plugin;
+};
+
+// In creation order. Owned here, so that menus a host never shut down are
+// still freed with the library.
+std::vector<std::unique_ptr<TVPMMenuInfo_t>> gMenus;
+TVPMMenuInfo_t* gPluginMenu = nullptr;
+TVPMMenuInfo_t* gAircraftMenu = nullptr;
+// Plugins already told that the aircraft menu is not theirs.
+std::vector<TVPMPluginID> s_reportedAircraftMenuUsers;
+
+constexpr const char* kRemoveRangeError =
+    "TVPMRemoveMenuItem was passed an out of range item index.";
+constexpr const char* kRenameRangeError =
+    "TVPMSetMenuItemName was passed an out of range item index.";
+constexpr const char* kCheckRangeError = "TVPMCheckMenuItem was passed an out of range item index.";
+// Also the text of TVPMEnableMenuItem: the two calls share it.
+constexpr const char* kStateRangeError =
+    "TVPMCheckMenuItemState was passed an out of range item index.";
+
+constexpr int kHooksSizeWithDestroyMenu = 1320;
+
+const char* NonNull(const char* text) { return text ? text : ""; }
+
+TVPMMenuInfo_t* FindMenu(TVPMMenuID id) {
+    for (const auto& menu : gMenus)
+        if (menu.get() == id) return menu.get();
+    return nullptr;
+}
+
+TVPMMenuInfo_t* FindMenuByHandle(intptr_t handle) {
+    for (const auto& menu : gMenus)
+        if (menu->menuHandle == handle) return menu.get();
+    return nullptr;
+}
+
+// The host index of the n-th item that plugin owns in the menu, or -1.
+int TVPMItemPluginToGlobal(const TVPMMenuInfo_t* menu, int n, TVPMPluginID plugin) {
+    if (!menu || n < 0) return -1;
+    for (size_t i = 0; i < menu->items.size(); ++i)
+        if (menu->items[i].itemOwner == plugin && n-- == 0) return static_cast<int>(i);
+    return -1;
+}
+
+// How many items of plugin come before host index global.
+int TVPMItemGlobalToPlugin(const TVPMMenuInfo_t* menu, int global, TVPMPluginID plugin) {
+    int n = 0;
+    for (int i = 0; i < global; ++i)
+        if (menu->items[static_cast<size_t>(i)].itemOwner == plugin) ++n;
+    return n;
+}
+
+// The current plugin's item inIndex of inMenu, or null (reported with text)
+// for an unknown menu or an index out of range.
+TVPMItemInfo_t* FindOwnItem(TVPMMenuID inMenu, int inIndex, const char* rangeError,
+                            TVPMMenuInfo_t** outMenu = nullptr, int* outGlobal = nullptr) {
+    TVPMMenuInfo_t* menu = FindMenu(inMenu);
+    const int global = TVPMItemPluginToGlobal(menu, inIndex, gDispatchedPlugin);
+    if (global < 0) {
+        TVPMSendError(rangeError);
+        return nullptr;
+    }
+    if (outMenu) *outMenu = menu;
+    if (outGlobal) *outGlobal = global;
+    return &menu->items[static_cast<size_t>(global)];
+}
+
+int AppendItem(TVPMMenuInfo_t* menu, int code, void* itemRef, TVPMCommandRef command) {
+    menu->items.push_back({code, itemRef, command, tvpm_Menu_NoCheck, 1, gDispatchedPlugin});
+    return TVPMItemGlobalToPlugin(menu, static_cast<int>(menu->items.size()) - 1,
+                                  gDispatchedPlugin);
+}
+
+void RemoveGlobalItem(TVPMMenuInfo_t* menu, int global) {
+    gHooks->TVPMRemoveMenuItem_f(menu->menuHandle, global);
+    menu->items.erase(menu->items.begin() + global);
+}
+
+void RemoveItemsOf(TVPMMenuInfo_t* menu, TVPMPluginID plugin) {
+    if (!menu) return;
+    for (size_t i = 0; i < menu->items.size();) {
+        if (menu->items[i].itemOwner == plugin)
+            RemoveGlobalItem(menu, static_cast<int>(i));
+        else
+            ++i;
+    }
+}
+
+// Frees a menu the host no longer shows; the shared menus are forgotten with it.
+void ForgetMenu(TVPMMenuInfo_t* menu) {
+    if (menu == gPluginMenu) gPluginMenu = nullptr;
+    if (menu == gAircraftMenu) gAircraftMenu = nullptr;
+    gMenus.erase(std::find_if(gMenus.begin(), gMenus.end(),
+                              [menu](const auto& m) { return m.get() == menu; }));
+}
+
+bool AlreadyReported(TVPMPluginID id) {
+    return std::find(s_reportedAircraftMenuUsers.begin(), s_reportedAircraftMenuUsers.end(), id) !=
+           s_reportedAircraftMenuUsers.end();
+}
+
+void ReportAircraftMenuRefused(TVPMPluginID id) {
+    if (AlreadyReported(id)) return;
+    s_reportedAircraftMenuUsers.push_back(id);
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    const std::string line = "Error: Non-aircraft plugin " + (r ? r->name : std::string()) +
+                             " failed to access the aircraft menu.\n";
+    TVPMDebugString(line.c_str());
+}
+
+bool IsValidGlobalIndex(const TVPMMenuInfo_t* menu, int index) {
+    return index >= 0 && static_cast<size_t>(index) < menu->items.size();
+}
+
+}  // namespace
+
+void TVPMInitMenus() {
+    StDispatchCallback asHost(0);
+    gPluginMenu = nullptr;
+    // "<Aircraft>" comes first: with no "Plugins" menu yet it becomes a top-level menu.
+    gAircraftMenu =
+        static_cast<TVPMMenuInfo_t*>(TVPMCreateMenu("<Aircraft>", nullptr, 0, nullptr, nullptr));
+    gPluginMenu =
+        static_cast<TVPMMenuInfo_t*>(TVPMCreateMenu("Plugins", nullptr, 0, nullptr, nullptr));
+}
+
+TVPM_API TVPMMenuID TVPMFindPluginsMenu(void) { return gPluginMenu; }
+
+TVPM_API TVPMMenuID TVPMFindAircraftMenu(void) {
+    if (TVPMIsAcfPlugin(gDispatchedPlugin)) return gAircraftMenu;
+    ReportAircraftMenuRefused(gDispatchedPlugin);
+    return nullptr;
+}
+
+TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, int inParentItem,
+                                   TVPMMenuHandler_f inHandler, void* inMenuRef) {
+    if (!inParentMenu && gPluginMenu) {
+        inParentItem = TVPMAppendMenuItem(gPluginMenu, inName, nullptr, 0);
+        inParentMenu = gPluginMenu;
+    }
+    intptr_t parentHandle = 0;
+    int parentItem = inParentItem;
+    if (inParentMenu) {
+        const TVPMMenuInfo_t* parent = FindMenu(inParentMenu);
+        parentHandle = parent ? parent->menuHandle : 0;
+        parentItem = TVPMItemPluginToGlobal(parent, inParentItem, gDispatchedPlugin);
+    }
+    const intptr_t handle = gHooks->TVPMCreateMenu_f(parentHandle, parentItem, NonNull(inName));
+    gMenus.push_back(std::unique_ptr<TVPMMenuInfo_t>(
+        new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin}));
+    return gMenus.back().get();
+}
+
+TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void* inItemRef,
+                                int /*inForceEnglish*/) {
+    TVPMMenuInfo_t* menu = FindMenu(inMenu);
+    if (!menu) return -1;
+    const int code = gHooks->TVPMAppendMenu_f(menu->menuHandle, NonNull(inItemName));
+    return AppendItem(menu, code, inItemRef, nullptr);
+}
+
+TVPM_API int TVPMAppendMenuItemWithCommand(TVPMMenuID inMenu, const char* inItemName,
+                                           TVPMCommandRef inCommandToExecute) {
+    TVPMMenuInfo_t* menu = FindMenu(inMenu);
+    if (!menu) return -1;
+    const int code = gHooks->TVPMAppendMenuWithCommand_f(menu->menuHandle, NonNull(inItemName),
+                                                         inCommandToExecute);
+    return AppendItem(menu, code, nullptr, inCommandToExecute);
+}
+
+TVPM_API void TVPMAppendMenuSeparator(TVPMMenuID inMenu) {
+    TVPMAppendMenuItem(inMenu, "-", nullptr, 0);
+}
+
+TVPM_API void TVPMSetMenuItemName(TVPMMenuID inMenu, int inIndex, const char* inItemName,
+                                  int /*inForceEnglish*/) {
+    TVPMMenuInfo_t* menu = nullptr;
+    int global = -1;
+    if (!FindOwnItem(inMenu, inIndex, kRenameRangeError, &menu, &global)) return;
+    gHooks->TVPMSetMenuTitle_f(menu->menuHandle, global, NonNull(inItemName));
+}
+
+TVPM_API void TVPMCheckMenuItem(TVPMMenuID inMenu, int index, TVPMMenuCheck inCheck) {
+    // The host asks for check marks through its check hook; it is not told here.
+    if (TVPMItemInfo_t* item = FindOwnItem(inMenu, index, kCheckRangeError))
+        item->itemCheck = inCheck;
+}
+
+TVPM_API void TVPMCheckMenuItemState(TVPMMenuID inMenu, int index, TVPMMenuCheck* outCheck) {
+    const TVPMItemInfo_t* item = FindOwnItem(inMenu, index, kStateRangeError);
+    if (item && outCheck) *outCheck = item->itemCheck;
+}
+
+TVPM_API void TVPMEnableMenuItem(TVPMMenuID inMenu, int index, int enabled) {
+    if (TVPMItemInfo_t* item = FindOwnItem(inMenu, index, kStateRangeError))
+        item->itemEnable = enabled;
+}
+
+TVPM_API void TVPMRemoveMenuItem(TVPMMenuID inMenu, int inIndex) {
+    TVPMMenuInfo_t* menu = nullptr;
+    int global = -1;
+    if (!FindOwnItem(inMenu, inIndex, kRemoveRangeError, &menu, &global)) return;
+    RemoveGlobalItem(menu, global);
+}
+
+TVPM_API void TVPMClearAllMenuItems(TVPMMenuID inMenuID) {
+    TVPMMenuInfo_t* menu = FindMenu(inMenuID);
+    if (!menu || (menu->plugin != gDispatchedPlugin && menu != gPluginMenu)) return;
+    RemoveItemsOf(menu, gDispatchedPlugin);
+}
+
+TVPM_API void TVPMDestroyMenu(TVPMMenuID inMenuID) {
+    TVPMMenuInfo_t* menu = FindMenu(inMenuID);
+    if (!menu || menu->plugin != gDispatchedPlugin) return;
+    RemoveItemsOf(menu, gDispatchedPlugin);
+    // A host with a shorter table has no way to destroy a menu.
+    if (gHooks->structSize >= kHooksSizeWithDestroyMenu)
+        gHooks->TVPMDestroyMenu_f(menu->menuHandle);
+    ForgetMenu(menu);
+}
+
+int TVPMHandleMenuItemPick(int inCode) {
+    for (const auto& menu : gMenus) {
+        for (const TVPMItemInfo_t& item : menu->items) {
+            if (item.itemCode != inCode) continue;
+            if (!menu->handler || !item.itemEnable) return 0;
+            // Copied first: the handler may change the menus.
+            const TVPMMenuHandler_f handler = menu->handler;
+            void* const menuRef = menu->menuRef;
+            void* const itemRef = item.itemRef;
+            StDispatchCallback scope(menu->plugin);
+            if (scope()) handler(menuRef, itemRef);
+            return 0;
+        }
+    }
+    return 1;
+}
+
+int TVPMHandleMenuItemCheck(intptr_t inMenu, int inItem, int* outCheck) {
+    const TVPMMenuInfo_t* menu = FindMenuByHandle(inMenu);
+    if (!menu || !IsValidGlobalIndex(menu, inItem)) return 1;
+    const TVPMMenuCheck check = menu->items[static_cast<size_t>(inItem)].itemCheck;
+    if (check >= 3) return 1;
+    // The host counts -1 no mark, 0 unchecked, 1 checked.
+    if (outCheck) *outCheck = check - 1;
+    return 0;
+}
+
+int TVPMHandleMenuItemEnable(intptr_t menuIndex, int itemIndex) {
+    const TVPMMenuInfo_t* menu = FindMenuByHandle(menuIndex);
+    if (!menu || !IsValidGlobalIndex(menu, itemIndex)) return 1;
+    if (menu->plugin >= 0 && !TVPMIsPluginEnabled(menu->plugin)) return 0;
+    return menu->items[static_cast<size_t>(itemIndex)].itemEnable;
+}
+
+void TVPMMenuCleanupHook(TVPMPluginID id) {
+    for (size_t i = 0; i < gMenus.size();) {
+        TVPMMenuInfo_t* menu = gMenus[i].get();
+        if (menu->plugin != id) {
+            ++i;
+            continue;
+        }
+        gHooks->TVPMDestroyMenu_f(menu->menuHandle);
+        ForgetMenu(menu);
+    }
+    RemoveItemsOf(gPluginMenu, id);
+    RemoveItemsOf(gAircraftMenu, id);
+}

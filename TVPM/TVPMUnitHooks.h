@@ -60,6 +60,10 @@ int TVPMDisplayKeyPressHook(char charCode, TVPMKeyFlags flags, char virtualCode,
                             void* inFixedWindow);
 TVPMCursorStatus TVPMDisplayCursorHook(int inX, int inY, void* inFixedWindow);
 int TVPMDisplayScrollWheelHook(int inX, int inY, int inWheel, int inClicks, void* inFixedWindow);
+// Called by TVPMDisplayCleanupHook between key sniffers and windows: removes the
+// plugin's avionics records, asking the simulator to destroy each created
+// device that has a display first. Defined by the avionics unit.
+void TVPMDisplayAvionicsCleanupHook(TVPMPluginID id);
 
 // ---- Avionics (TVPMDisplayAvionics) --------------------------------------------
 int TVPMDisplayBezelClickHook(int device, int x, int y, TVPMMouseStatus status, void* display);

@@ -59,13 +59,13 @@ TVPM_API void TVPMGetVersions(int* outTorvaneVersion, int* outTVPMVersion,
 }
 
 TVPM_API void TVPMGetSystemPath(char* outSystemPath) {
-    if (!outSystemPath) return;
+    if (!outSystemPath || !gHooks) return;
     gHooks->TVPMGetSystemPath_f(outSystemPath);
     ConvertPathForPlugin(outSystemPath);
 }
 
 TVPM_API void TVPMGetPrefsPath(char* outPrefsPath) {
-    if (!outPrefsPath) return;
+    if (!outPrefsPath || !gHooks) return;
     gHooks->TVPMGetPrefsPath_f(outPrefsPath);
     ConvertPathForPlugin(outPrefsPath);
 }
@@ -90,9 +90,8 @@ TVPM_API char* TVPMExtractFileAndPath(char* inFullPath) {
 }
 
 TVPM_API int TVPMGetDirectoryContents(const char* inDirectoryPath, int inFirstReturn,
-                                      char* outFileNames, int inFileNameBufSize,
-                                      char** outIndices, int inIndexCount, int* outTotalFiles,
-                                      int* outReturnedFiles) {
+                                      char* outFileNames, int inFileNameBufSize, char** outIndices,
+                                      int inIndexCount, int* outTotalFiles, int* outReturnedFiles) {
     std::vector<std::string> names;
     TVPMFetchDirectoryContents(inDirectoryPath, "*.*", names);
     if (!PluginWantsNativePaths())
@@ -123,6 +122,7 @@ TVPM_API int TVPMLoadDataFile(TVPMDataFileType inFileType, const char* inFilePat
         TVPMSendError("Illegal file type passed to TVPMLoadDataFile.");
         return 0;
     }
+    if (!gHooks) return 0;
     std::string path(inFilePath ? inFilePath : "");
     return gHooks->TVPMLoadDataFile_f(inFileType, path.c_str());
 }
@@ -132,16 +132,23 @@ TVPM_API int TVPMSaveDataFile(TVPMDataFileType inFileType, const char* inFilePat
         TVPMSendError("Illegal file type passed to TVPMSaveDataFile.");
         return 0;
     }
+    if (!gHooks) return 0;
     std::string path(inFilePath ? inFilePath : "");
     return gHooks->TVPMSaveDataFile_f(inFileType, path.c_str());
 }
 
+// Before start-up there is no simulator to forward to, and a null text means
+// nothing to the simulator: such calls do nothing.
 TVPM_API void TVPMSpeakString(const char* inString) {
-    gHooks->TVPMSpeakString_f(const_cast<char*>(inString));
+    if (gHooks && inString) gHooks->TVPMSpeakString_f(const_cast<char*>(inString));
 }
 TVPM_API void TVPMSimulateKeyPress(int inKeyType, int inKey) {
-    gHooks->TVPMSimulateKeyPress_f(inKeyType, inKey);
+    if (gHooks) gHooks->TVPMSimulateKeyPress_f(inKeyType, inKey);
 }
-TVPM_API int TVPMGetLanguage(void) { return gHooks->TVPMGetLanguage_f(); }
-TVPM_API void* TVPMFindSymbol(const char* inString) { return gHooks->TVPMFindSymbol_f(inString); }
-TVPM_API void TVPMReloadScenery(void) { gHooks->TVPMShiftScenery_f(); }
+TVPM_API int TVPMGetLanguage(void) { return gHooks ? gHooks->TVPMGetLanguage_f() : 0; }
+TVPM_API void* TVPMFindSymbol(const char* inString) {
+    return gHooks && inString ? gHooks->TVPMFindSymbol_f(inString) : nullptr;
+}
+TVPM_API void TVPMReloadScenery(void) {
+    if (gHooks) gHooks->TVPMShiftScenery_f();
+}

@@ -1,8 +1,222 @@
-// TVPMUtilitiesCommands.cpp: commands and command handlers (not built yet: every hook is a no-op).
+// TVPMUtilitiesCommands.cpp: commands, their handler chains, commands held by plugins and legacy keys and buttons.
+#include <algorithm>
+#include <cstring>
+#include <list>
+#include <map>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMUtilities.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
-void TVPMDoRepeatedButtons() {}
-void TVPMCommandRepeatHook() {}
-int TVPMDispatchCommandHook(void*, int, int, int) { return 1; }
-void TVPMCommandCleanupHook(TVPMPluginID) {}
+namespace {
+
+struct TVPMCommandCB_t {
+    TVPMCommandCallback_f callback;
+    TVPMPluginID plugin;
+    void* refcon;
+    // Unregistered while a dispatch was walking the chains; erased when the
+    // outermost dispatch ends, so that no walk stands on an erased node.
+    bool dead = false;
+
+    bool operator==(const TVPMCommandCB_t& o) const {
+        return callback == o.callback && plugin == o.plugin && refcon == o.refcon;
+    }
+};
+
+using TVPMCommandCBList = std::list<TVPMCommandCB_t>;
+using TVPMCommandCBTable = std::map<TVPMCommandRef, TVPMCommandCBList>;
+using TVPMCommandMap = std::map<TVPMPluginID, std::set<TVPMCommandRef>>;
+
+TVPMCommandCBTable gPreHooks;
+TVPMCommandCBTable gPostHooks;
+TVPMCommandMap gCommandMap;
+std::vector<int> gButtons;
+
+int s_dispatchDepth = 0;
+bool s_needsPurge = false;
+
+constexpr const char* kSimPrefix = "sim/";
+constexpr size_t kSimPrefixLength = 4;
+
+TVPMCommandCBTable& TableFor(int inBefore) { return inBefore ? gPreHooks : gPostHooks; }
+
+TVPMCommandPhase PhaseFor(int inDown, int inUp) {
+    if (inUp) return tvpm_CommandEnd;
+    if (inDown) return tvpm_CommandBegin;
+    return tvpm_CommandContinue;
+}
+
+// Erases a handler at once, or only marks it while a dispatch is walking.
+void DropHandler(TVPMCommandCBList& list, TVPMCommandCBList::iterator it) {
+    if (s_dispatchDepth == 0) {
+        list.erase(it);
+    } else {
+        it->dead = true;
+        s_needsPurge = true;
+    }
+}
+
+void PurgeDeadHandlers() {
+    auto isDead = [](const TVPMCommandCB_t& cb) { return cb.dead; };
+    for (TVPMCommandCBTable* table : {&gPreHooks, &gPostHooks})
+        for (auto& entry : *table) entry.second.remove_if(isDead);
+    s_needsPurge = false;
+}
+
+class StCommandDispatch {
+public:
+    StCommandDispatch() { ++s_dispatchDepth; }
+    ~StCommandDispatch() {
+        if (--s_dispatchDepth == 0 && s_needsPurge) PurgeDeadHandlers();
+    }
+    StCommandDispatch(const StCommandDispatch&) = delete;
+    StCommandDispatch& operator=(const StCommandDispatch&) = delete;
+};
+
+void DropPluginHandlers(TVPMCommandCBTable& table, TVPMPluginID id) {
+    for (auto& entry : table) {
+        TVPMCommandCBList& list = entry.second;
+        for (auto it = list.begin(); it != list.end();) {
+            auto here = it++;
+            if (here->plugin == id && !here->dead) DropHandler(list, here);
+        }
+    }
+}
+
+bool IsHeldBy(TVPMPluginID id, TVPMCommandRef cmd) {
+    auto found = gCommandMap.find(id);
+    return found != gCommandMap.end() && found->second.count(cmd) != 0;
+}
+
+void PressButton(TVPMCommandButtonID button, int isRelease) {
+    TVPMCommandButtonID list[2] = {button, 0};
+    gHooks->TVPMCommandButtonPress_f(list, isRelease, 0);
+    gHooks->TVPMCommandButtonPress_f(list, isRelease, 1);
+}
+
+}  // namespace
+
+TVPM_API TVPMCommandRef TVPMFindCommand(const char* inName) {
+    if (!inName) return nullptr;
+    return gHooks->TVPMFindCreateCommand_f(inName, nullptr, 0);
+}
+
+TVPM_API TVPMCommandRef TVPMCreateCommand(const char* inName, const char* inDescription) {
+    if (!inName) return nullptr;
+    if (strncmp(inName, kSimPrefix, kSimPrefixLength) == 0) {
+        // A warning only: the command is still created.
+        TVPMSendError("Plugin is illegally registering a command with the prefix sim/");
+        TVPMLogPluginWarning("It is illegal to register a command starting with sim/");
+    }
+    return gHooks->TVPMFindCreateCommand_f(inName, inDescription ? inDescription : "", 1);
+}
+
+TVPM_API void TVPMCommandBegin(TVPMCommandRef inCommand) {
+    gCommandMap[gDispatchedPlugin].insert(inCommand);
+    gHooks->TVPMDoCommandBegin_f(inCommand);
+}
+
+TVPM_API void TVPMCommandEnd(TVPMCommandRef inCommand) {
+    const TVPMPluginID me = gDispatchedPlugin;
+    gHooks->TVPMDoCommandEnd_f(inCommand);
+    gCommandMap[me].erase(inCommand);
+}
+
+TVPM_API void TVPMCommandOnce(TVPMCommandRef inCommand) {
+    gHooks->TVPMDoCommandBegin_f(inCommand);
+    gHooks->TVPMDoCommandEnd_f(inCommand);
+}
+
+TVPM_API void TVPMRegisterCommandHandler(TVPMCommandRef inCommand, TVPMCommandCallback_f inHandler,
+                                         int inBefore, void* inRefcon) {
+    if (!inHandler) return;
+    TVPMCommandCBList& list = TableFor(inBefore)[inCommand];
+    TVPMCommandCB_t cb{inHandler, gDispatchedPlugin, inRefcon};
+    // The newest before-handler runs first; after-handlers run in the order registered.
+    if (inBefore)
+        list.push_front(cb);
+    else
+        list.push_back(cb);
+}
+
+TVPM_API void TVPMUnregisterCommandHandler(TVPMCommandRef inCommand,
+                                           TVPMCommandCallback_f inHandler, int inBefore,
+                                           void* inRefcon) {
+    TVPMCommandCBList& list = TableFor(inBefore)[inCommand];
+    const TVPMCommandCB_t wanted{inHandler, gDispatchedPlugin, inRefcon};
+    auto found = std::find_if(list.begin(), list.end(),
+                              [&](const TVPMCommandCB_t& cb) { return !cb.dead && cb == wanted; });
+    if (found != list.end()) DropHandler(list, found);
+}
+
+int TVPMDispatchCommandHook(void* inCmdRef, int inDown, int inUp, int inBefore) {
+    TVPMCommandCBTable& table = TableFor(inBefore);
+    auto found = table.find(inCmdRef);
+    if (found == table.end() || found->second.empty()) return 1;
+    const TVPMCommandPhase phase = PhaseFor(inDown, inUp);
+    StCommandDispatch walking;
+    for (TVPMCommandCB_t& cb : found->second) {
+        if (cb.dead) continue;
+        StDispatchCallback scope(cb.plugin);
+        if (!scope()) continue;
+        if (cb.callback(inCmdRef, phase, cb.refcon) == 0) return 0;
+    }
+    return 1;
+}
+
+void TVPMCommandRepeatHook() {
+    // Continue calls may reach handlers that begin or end commands, so the held
+    // commands are collected first and re-checked before each call. The scratch
+    // list keeps its capacity between frames.
+    static std::vector<std::pair<TVPMPluginID, TVPMCommandRef>> s_toRepeat;
+    static bool s_repeating = false;
+    if (s_repeating) return;
+    s_repeating = true;
+    s_toRepeat.clear();
+    for (const auto& entry : gCommandMap)
+        if (TVPMIsPluginEnabled(entry.first))
+            for (TVPMCommandRef cmd : entry.second) s_toRepeat.emplace_back(entry.first, cmd);
+    for (const auto& held : s_toRepeat)
+        if (IsHeldBy(held.first, held.second)) gHooks->TVPMDoCommandContinue_f(held.second);
+    s_repeating = false;
+}
+
+TVPM_API void TVPMCommandKeyStroke(TVPMCommandKeyID inKey) {
+    gHooks->TVPMCommandKeyStroke_f(inKey);
+}
+
+TVPM_API void TVPMCommandButtonPress(TVPMCommandButtonID inButton) {
+    PressButton(inButton, 0);
+    gButtons.push_back(inButton);
+}
+
+TVPM_API void TVPMCommandButtonRelease(TVPMCommandButtonID inButton) {
+    PressButton(inButton, 1);
+    auto found = std::find(gButtons.begin(), gButtons.end(), inButton);
+    if (found != gButtons.end()) gButtons.erase(found);
+}
+
+void TVPMDoRepeatedButtons() {
+    if (gButtons.empty()) return;
+    // The host gets a zero-terminated copy, so that a press or release made
+    // while it works on the list cannot move it.
+    static std::vector<TVPMCommandButtonID> s_held;
+    s_held.assign(gButtons.begin(), gButtons.end());
+    s_held.push_back(0);
+    gHooks->TVPMCommandButtonPress_f(s_held.data(), 0, 1);
+}
+
+void TVPMCommandCleanupHook(TVPMPluginID id) {
+    auto found = gCommandMap.find(id);
+    if (found != gCommandMap.end()) {
+        std::set<TVPMCommandRef> held = std::move(found->second);
+        gCommandMap.erase(found);
+        for (TVPMCommandRef cmd : held) gHooks->TVPMDoCommandEnd_f(cmd);
+    }
+    DropPluginHandlers(gPreHooks, id);
+    DropPluginHandlers(gPostHooks, id);
+}

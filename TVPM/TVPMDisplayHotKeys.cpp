@@ -1,0 +1,84 @@
+// TVPMDisplayHotKeys.cpp: hot keys: key combinations bound to plugin callbacks, listed and rebound globally.
+#include "TVPMDLLUtils.h"
+#include "TVPMDisplayPrivate.h"
+
+TVPMResourceList<TVPMHotKeyInfoRecord> gHotKeys;
+
+namespace {
+
+constexpr int kDescriptionBufferSize = 512;
+
+TVPMHotKeyInfoRecord* FindHotKey(TVPMHotKeyID id) {
+    if (!id) return nullptr;
+    for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next())
+        if (r == id && !r->is_dead()) return r;
+    return nullptr;
+}
+
+}  // namespace
+
+// Newest first; only one hot key fires per key event.
+bool TVPMDisplayFireHotKey(TVPMKeyFlags flags, char virtualCode) {
+    for (TVPMWalk<TVPMHotKeyInfoRecord> walk(gHotKeys); auto* r = walk.Next();) {
+        if (r->vkey != virtualCode || r->flags != flags) continue;
+        StDispatchCallback scope(r->owner);
+        if (!scope()) continue;
+        if (r->callback) r->callback(r->refcon);
+        return true;
+    }
+    return false;
+}
+
+TVPM_API TVPMHotKeyID TVPMRegisterHotKey(char inVirtualKey, TVPMKeyFlags inFlags,
+                                         const char* inDescription, TVPMHotKey_f inCallback,
+                                         void* inRefcon) {
+    TVPM_CHECK_THREAD("TVPMRegisterHotKey");
+    auto* r = new TVPMHotKeyInfoRecord(gDispatchedPlugin, inVirtualKey, inFlags, inDescription,
+                                       inCallback, inRefcon);
+    gHotKeys.Add(r);
+    return r;
+}
+
+TVPM_API void TVPMUnregisterHotKey(TVPMHotKeyID inHotKey) {
+    TVPM_CHECK_THREAD("TVPMUnregisterHotKey");
+    if (TVPMHotKeyInfoRecord* r = FindHotKey(inHotKey)) gHotKeys.Remove(r);
+}
+
+TVPM_API int TVPMCountHotKeys(void) {
+    TVPM_CHECK_THREAD("TVPMCountHotKeys");
+    int count = 0;
+    for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next())
+        if (!r->is_dead()) ++count;
+    return count;
+}
+
+TVPM_API TVPMHotKeyID TVPMGetNthHotKey(int inIndex) {
+    TVPM_CHECK_THREAD("TVPMGetNthHotKey");
+    if (inIndex < 0) return nullptr;
+    for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next()) {
+        if (r->is_dead()) continue;
+        if (inIndex-- == 0) return r;
+    }
+    return nullptr;
+}
+
+TVPM_API void TVPMGetHotKeyInfo(TVPMHotKeyID inHotKey, char* outVirtualKey,
+                                TVPMKeyFlags* outFlags, char* outDescription,
+                                TVPMPluginID* outPlugin) {
+    TVPM_CHECK_THREAD("TVPMGetHotKeyInfo");
+    const TVPMHotKeyInfoRecord* r = FindHotKey(inHotKey);
+    if (!r) return;
+    if (outVirtualKey) *outVirtualKey = r->vkey;
+    if (outFlags) *outFlags = r->flags;
+    if (outDescription) strcpytrunc(outDescription, r->description, kDescriptionBufferSize);
+    if (outPlugin) *outPlugin = r->owner;
+}
+
+TVPM_API void TVPMSetHotKeyCombination(TVPMHotKeyID inHotKey, char inVirtualKey,
+                                       TVPMKeyFlags inFlags) {
+    TVPM_CHECK_THREAD("TVPMSetHotKeyCombination");
+    if (TVPMHotKeyInfoRecord* r = FindHotKey(inHotKey)) {
+        r->vkey = inVirtualKey;
+        r->flags = inFlags;
+    }
+}

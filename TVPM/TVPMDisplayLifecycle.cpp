@@ -1,0 +1,57 @@
+// TVPMDisplayLifecycle.cpp: what the display unit does when a plugin is enabled, disabled or unloaded.
+#include "TVPMDisplayPrivate.h"
+#include "TVPMUnitHooks.h"
+
+namespace {
+
+// Removes every record of the list that the plugin owns.
+template <class T, class OwnerOf>
+void RemoveAllOf(TVPMResourceList<T>& list, TVPMPluginID id, OwnerOf ownerOf) {
+    for (TVPMWalk<T> walk(list); T* r = walk.Next();)
+        if (ownerOf(*r) == id) list.Remove(r);
+}
+
+}  // namespace
+
+// Stands in until the avionics unit defines the real one.
+__attribute__((weak)) void TVPMDisplayAvionicsCleanupHook(TVPMPluginID) {}
+
+void TVPMDisplayEnableHook(TVPMPluginID id) {
+    for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
+        if (w->plugin == id && w->isGuiBacked && w->visible) gHooks->TVPMShowGuiPluginWindow_f(w);
+}
+
+void TVPMDisplayDisablePrePluginDisableHook(TVPMPluginID id) {
+    if (gFocusWindow && gFocusWindow->plugin == id) TVPMDisplayTakeFocus(nullptr);
+    if (gDragWindow && gDragWindow->plugin == id) {
+        int x = 0, y = 0;
+        TVPMDisplayReadMouse(gDragWindow, x, y);
+        TVPMDisplayMouseClickHook(x, y, tvpm_MouseUp, gDragWindowReceivedDownClickFromBtn, nullptr);
+    }
+}
+
+void TVPMDisplayDisablePostPluginDisableHook(TVPMPluginID id) {
+    for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
+        if (w->plugin == id && w->isGuiBacked) gHooks->TVPMHideGuiPluginWindow_f(w);
+}
+
+void TVPMDisplaySyncGuiWindowStateWithPluginHook(TVPMPluginID id, int enabled) {
+    for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();) {
+        if (w->plugin != id || !w->isGuiBacked) continue;
+        const bool shown = TVPMGetWindowIsVisible(w) != 0;
+        const bool wanted = enabled && w->visible;
+        if (wanted && !shown) gHooks->TVPMShowGuiPluginWindow_f(w);
+        else if (!wanted && shown) gHooks->TVPMHideGuiPluginWindow_f(w);
+    }
+}
+
+// Releases in a fixed order: draw callbacks, key sniffers, avionics, windows
+// (each losing focus and mouse first), hot keys.
+void TVPMDisplayCleanupHook(TVPMPluginID id) {
+    RemoveAllOf(gDrawCallbacks, id, [](const TVPMDrawCallbackRecord& r) { return r.plugin; });
+    RemoveAllOf(gKeyCallbacks, id, [](const TVPMKeyCallbackRecord& r) { return r.plugin; });
+    TVPMDisplayAvionicsCleanupHook(id);
+    for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
+        if (w->plugin == id) TVPMDisplayDestroyWindowRecord(w);
+    RemoveAllOf(gHotKeys, id, [](const TVPMHotKeyInfoRecord& r) { return r.owner; });
+}

@@ -1,0 +1,147 @@
+// TVPMDisplayPrivate.h: records, lists and helpers shared by the display units (drawing, windows, input, hot keys).
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "TVPM/TVPMDisplay.h"
+#include "TVPMPrivate.h"
+
+// ---------------------------------------------------------------------------
+// Records.
+
+struct TVPMDrawCallbackRecord : TVPMResource_t<TVPMDrawCallbackRecord> {
+    TVPMDrawCallbackRecord(TVPMDrawCallback_f cb, TVPMPluginID who, TVPMDrawingPhase ph, int pre,
+                           void* ref)
+        : callback(cb), plugin(who), phase(ph), preCallback(pre), refcon(ref) {}
+    TVPMDrawCallback_f callback;
+    TVPMPluginID plugin;
+    TVPMDrawingPhase phase;
+    int preCallback;  // as registered, not normalised
+    void* refcon;
+};
+
+struct TVPMKeyCallbackRecord : TVPMResource_t<TVPMKeyCallbackRecord> {
+    TVPMKeyCallbackRecord(TVPMKeySniffer_f cb, TVPMPluginID who, int before, void* ref)
+        : callback(cb), plugin(who), beforeWindows(before), refcon(ref) {}
+    TVPMKeySniffer_f callback;
+    TVPMPluginID plugin;
+    int beforeWindows;
+    void* refcon;
+};
+
+// Its address is the TVPMWindowID handed to the plugin.
+struct TVPMWindowCallbackRecord : TVPMResource_t<TVPMWindowCallbackRecord> {
+    int leftNonGui = 0, topNonGui = 0, rightNonGui = 0, bottomNonGui = 0;
+    int visible = 0;
+    int isGuiBacked = 0;
+    TVPMWindowLayer layer = tvpm_WindowLayerFloatingWindows;
+    TVPMWindowDecoration decorateAsFloatingWindow = tvpm_WindowDecorationNone;
+    TVPMDrawWindow_f drawCallback = nullptr;
+    TVPMHandleKey_f keyCallback = nullptr;
+    TVPMHandleMouseClick_f mouseCallback = nullptr;
+    TVPMHandleMouseClick_f mouseRightClickCallback = nullptr;
+    TVPMHandleCursor_f handleCursorCallback = nullptr;
+    TVPMHandleMouseWheel_f handleMouseWheelCallback = nullptr;
+    TVPMPluginID plugin = TVPM_NO_PLUGIN_ID;
+    void* refcon = nullptr;
+};
+
+// Its address is the TVPMHotKeyID.
+struct TVPMHotKeyInfoRecord : TVPMResource_t<TVPMHotKeyInfoRecord> {
+    TVPMHotKeyInfoRecord(TVPMPluginID who, char key, TVPMKeyFlags fl, const char* text,
+                         TVPMHotKey_f cb, void* ref)
+        : owner(who), vkey(key), flags(fl), description(text ? text : ""), callback(cb),
+          refcon(ref) {}
+    TVPMPluginID owner;
+    char vkey;
+    TVPMKeyFlags flags;
+    std::string description;
+    TVPMHotKey_f callback;
+    void* refcon;
+};
+
+typedef TVPMWindowCallbackRecord TVPMWindow;
+
+// ---------------------------------------------------------------------------
+// Lists and state. gWindows is the stacking order: head front-most, tail back-most.
+
+extern TVPMResourceList<TVPMDrawCallbackRecord> gDrawCallbacks;
+extern TVPMResourceList<TVPMKeyCallbackRecord> gKeyCallbacks;
+extern TVPMResourceList<TVPMWindowCallbackRecord> gWindows;
+extern TVPMResourceList<TVPMHotKeyInfoRecord> gHotKeys;
+
+extern TVPMWindow* gFocusWindow;
+extern TVPMWindow* gDragWindow;
+extern int gDragWindowReceivedDownClickFromBtn;
+
+// ---------------------------------------------------------------------------
+// Helpers.
+
+// True when the plugin exists and is enabled.
+inline bool TVPMDisplayPluginEnabled(TVPMPluginID id) {
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    return r && r->enabled;
+}
+
+// The live window with this ID, or null.
+TVPMWindow* TVPMFindWindow(TVPMWindowID id);
+
+// Takes focus away from the focused window, if any (see TVPMTakeKeyboardFocus).
+void TVPMDisplayTakeFocus(TVPMWindowID id);
+
+// Destroys a live window: focus and mouse released, the simulator's window
+// destroyed, the record removed.
+void TVPMDisplayDestroyWindowRecord(TVPMWindow* w);
+
+// Ends any mouse capture.
+inline void TVPMDisplayClearDrag() {
+    gDragWindow = nullptr;
+    gDragWindowReceivedDownClickFromBtn = -1;
+}
+
+// Reads the mouse position the way the capturing window sees it.
+void TVPMDisplayReadMouse(const TVPMWindow* dragWindow, int& x, int& y);
+
+// Sends the mouse a drag event once per frame (window-phase after hook point).
+void TVPMDisplayMouseDragHook(void* inFixedWindow);
+
+// Offers a key to the hot keys; true when one fired.
+bool TVPMDisplayFireHotKey(TVPMKeyFlags flags, char virtualCode);
+
+// Calls the draw callbacks of one phase and timing; the AND of their results.
+int TVPMDispatchDrawingHook(TVPMDrawingPhase inPhase, int isBefore, int render_type);
+
+// Keeps gWindows from freeing anything while held, so that a record survives
+// any callback made during the hold (it may only become dead).
+class StWindowListHold {
+public:
+    StWindowListHold() { gWindows.BeginIterate(); }
+    ~StWindowListHold() { gWindows.EndIterate(); }
+    StWindowListHold(const StWindowListHold&) = delete;
+    StWindowListHold& operator=(const StWindowListHold&) = delete;
+};
+
+// A walk of gWindows over the order the list had when the walk began.
+// Callbacks may bring windows to the front during the walk; the list re-links
+// such a record at once, which would send a link-following walk back to the
+// head (forward) or end it early (backward). Walking a copy of the order
+// visits every window that existed at the start exactly once, skipping those
+// destroyed meanwhile. The copies' buffers are kept per nesting depth, so a
+// steady state allocates nothing.
+class TVPMWindowWalk {
+public:
+    enum Direction { kFrontToBack, kBackToFront };
+    explicit TVPMWindowWalk(Direction d);
+    ~TVPMWindowWalk();
+    TVPMWindowWalk(const TVPMWindowWalk&) = delete;
+    TVPMWindowWalk& operator=(const TVPMWindowWalk&) = delete;
+
+    // The next window that is still live, or null at the end.
+    TVPMWindow* Next();
+
+private:
+    StWindowListHold hold;
+    std::vector<TVPMWindow*>& order;
+    size_t pos = 0;
+};

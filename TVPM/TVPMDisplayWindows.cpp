@@ -1,0 +1,328 @@
+// TVPMDisplayWindows.cpp: plugin windows: creation, destruction, stacking order, geometry, visibility and keyboard focus.
+#include <algorithm>
+#include <deque>
+
+#include "TVPMDisplayPrivate.h"
+#include "TVPMUnitHooks.h"
+
+TVPMResourceList<TVPMWindowCallbackRecord> gWindows;
+TVPMWindow* gFocusWindow = nullptr;
+TVPMWindow* gDragWindow = nullptr;
+int gDragWindowReceivedDownClickFromBtn = -1;
+
+namespace {
+
+constexpr int kCreateWindowPlainSize = 72;
+constexpr int kCreateWindowGuiSize = 88;
+
+// One copy of the stacking order per walk nesting depth; a deque, so that
+// growing it never moves a copy an outer walk is using.
+std::deque<std::vector<TVPMWindow*>> s_walkOrders;
+size_t s_walkDepth = 0;
+
+std::vector<TVPMWindow*>& AcquireWalkOrder() {
+    if (s_walkDepth == s_walkOrders.size()) s_walkOrders.emplace_back();
+    std::vector<TVPMWindow*>& order = s_walkOrders[s_walkDepth++];
+    order.clear();
+    return order;
+}
+
+// The simulator's window bounds travel as int[4]: left, bottom, right, top.
+enum { kBoundsLeft = 0, kBoundsBottom = 1, kBoundsRight = 2, kBoundsTop = 3 };
+
+void CopyBoundsOut(const int bounds[4], int* outLeft, int* outTop, int* outRight,
+                   int* outBottom) {
+    if (outLeft) *outLeft = bounds[kBoundsLeft];
+    if (outTop) *outTop = bounds[kBoundsTop];
+    if (outRight) *outRight = bounds[kBoundsRight];
+    if (outBottom) *outBottom = bounds[kBoundsBottom];
+}
+
+void SetHostBounds(TVPMWindow* w, int left, int top, int right, int bottom) {
+    int bounds[4];
+    bounds[kBoundsLeft] = left;
+    bounds[kBoundsBottom] = bottom;
+    bounds[kBoundsRight] = right;
+    bounds[kBoundsTop] = top;
+    gHooks->TVPMSetGuiPluginWindowBounds_f(w, bounds);
+}
+
+void TellHostFocus(TVPMWindow* w) {
+    gHooks->TVPMSetPluginMouseFocus_f(w && !w->isGuiBacked ? 1 : 0,
+                                      w && w->isGuiBacked ? w : nullptr);
+}
+
+// The focus-loss call: the window argument is the window taking the focus.
+void TellWindowItLosesFocus(TVPMWindow* losing, TVPMWindow* taking) {
+    StDispatchCallback scope(losing->plugin);
+    if (scope() && losing->keyCallback)
+        losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1);
+}
+
+TVPMWindow* NewWindow(int visible, TVPMDrawWindow_f draw, TVPMHandleKey_f key,
+                      TVPMHandleMouseClick_f mouse, void* refcon) {
+    TVPMWindow* w = new TVPMWindow;
+    w->visible = visible;
+    w->drawCallback = draw;
+    w->keyCallback = key;
+    w->mouseCallback = mouse;
+    w->refcon = refcon;
+    w->plugin = gDispatchedPlugin;
+    return w;
+}
+
+void SetPlainRect(TVPMWindow* w, int left, int top, int right, int bottom) {
+    w->leftNonGui = left;
+    w->topNonGui = top;
+    w->rightNonGui = right;
+    w->bottomNonGui = bottom;
+}
+
+}  // namespace
+
+// ---- Walks and look-up -------------------------------------------------------------
+
+TVPMWindowWalk::TVPMWindowWalk(Direction d) : order(AcquireWalkOrder()) {
+    for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
+        if (!w->is_dead()) order.push_back(w);
+    if (d == kBackToFront) std::reverse(order.begin(), order.end());
+}
+
+TVPMWindowWalk::~TVPMWindowWalk() { --s_walkDepth; }
+
+TVPMWindow* TVPMWindowWalk::Next() {
+    while (pos < order.size()) {
+        TVPMWindow* w = order[pos++];
+        if (!w->is_dead()) return w;
+    }
+    return nullptr;
+}
+
+TVPMWindow* TVPMFindWindow(TVPMWindowID id) {
+    if (!id) return nullptr;
+    for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
+        if (w == id && !w->is_dead()) return w;
+    return nullptr;
+}
+
+// ---- Focus and destruction ------------------------------------------------------------
+
+void TVPMDisplayTakeFocus(TVPMWindowID id) {
+    StWindowListHold hold;
+    TVPMWindow* w = TVPMFindWindow(id);
+    if (w == gFocusWindow) return;
+    if (w && !TVPMDisplayPluginEnabled(w->plugin)) return;
+    if (TVPMWindow* losing = gFocusWindow) {
+        // Cleared first, so that the losing window's callback cannot start
+        // this same hand-over again.
+        gFocusWindow = nullptr;
+        TellWindowItLosesFocus(losing, w);
+        if (gFocusWindow) return;  // the callback already gave the focus elsewhere
+        if (w && w->is_dead()) w = nullptr;
+    }
+    gFocusWindow = w;
+    TellHostFocus(w);
+}
+
+void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
+    StWindowListHold hold;
+    if (w == gFocusWindow) TVPMDisplayTakeFocus(nullptr);
+    if (w->is_dead()) return;  // its own focus-loss callback destroyed it
+    if (w == gFocusWindow) {   // ... or gave it the focus back
+        gFocusWindow = nullptr;
+        TellHostFocus(nullptr);
+    }
+    if (w == gDragWindow) TVPMDisplayClearDrag();
+    if (w->isGuiBacked) gHooks->TVPMDestroyGuiPluginWindow_f(w);
+    gWindows.Remove(w);
+}
+
+// ---- Creation ------------------------------------------------------------------------
+
+TVPM_API TVPMWindowID TVPMCreateWindow(int inLeft, int inTop, int inRight, int inBottom,
+                                       int inIsVisible, TVPMDrawWindow_f inDrawCallback,
+                                       TVPMHandleKey_f inKeyCallback,
+                                       TVPMHandleMouseClick_f inMouseCallback, void* inRefcon) {
+    TVPM_CHECK_THREAD("TVPMCreateWindow");
+    TVPMWindow* w = NewWindow(inIsVisible, inDrawCallback, inKeyCallback, inMouseCallback, inRefcon);
+    SetPlainRect(w, inLeft, inTop, inRight, inBottom);
+    gWindows.Add(w);
+    return w;
+}
+
+TVPM_API TVPMWindowID TVPMCreateWindowEx(TVPMCreateWindow_t* inParams) {
+    TVPM_CHECK_THREAD("TVPMCreateWindowEx");
+    if (!inParams) return nullptr;
+    const int size = inParams->structSize;
+    if (size != kCreateWindowPlainSize && size != kCreateWindowGuiSize) return nullptr;
+    TVPMWindow* w = NewWindow(inParams->visible, inParams->drawWindowFunc, inParams->handleKeyFunc,
+                              inParams->handleMouseClickFunc, inParams->refcon);
+    w->handleCursorCallback = inParams->handleCursorFunc;
+    w->handleMouseWheelCallback = inParams->handleMouseWheelFunc;
+    // Read for both sizes on purpose: older callers zero the whole structure.
+    w->mouseRightClickCallback = inParams->handleRightClickFunc;
+    if (size == kCreateWindowPlainSize) {
+        SetPlainRect(w, inParams->left, inParams->top, inParams->right, inParams->bottom);
+        gWindows.Add(w);
+        return w;
+    }
+    w->isGuiBacked = 1;
+    if (inParams->layer >= tvpm_WindowLayerFlightOverlay &&
+        inParams->layer <= tvpm_WindowLayerGrowlNotifications)
+        w->layer = inParams->layer;
+    w->decorateAsFloatingWindow = inParams->decorateAsFloatingWindow;
+    gWindows.Add(w);
+    gHooks->TVPMCreateGuiPluginWindow_f(w, w->decorateAsFloatingWindow, w->layer, w->visible);
+    SetHostBounds(w, inParams->left, inParams->top, inParams->right, inParams->bottom);
+    return w;
+}
+
+TVPM_API void TVPMDestroyWindow(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMDestroyWindow");
+    if (TVPMWindow* w = TVPMFindWindow(inWindowID)) TVPMDisplayDestroyWindowRecord(w);
+}
+
+// ---- Geometry ------------------------------------------------------------------------
+
+TVPM_API void TVPMGetWindowGeometry(TVPMWindowID inWindowID, int* outLeft, int* outTop,
+                                    int* outRight, int* outBottom) {
+    TVPM_CHECK_THREAD("TVPMGetWindowGeometry");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w) return;
+    if (w->isGuiBacked) {
+        int bounds[4] = {0, 0, 0, 0};
+        gHooks->TVPMGetGuiPluginWindowBounds_f(w, bounds);
+        CopyBoundsOut(bounds, outLeft, outTop, outRight, outBottom);
+        return;
+    }
+    if (outLeft) *outLeft = w->leftNonGui;
+    if (outTop) *outTop = w->topNonGui;
+    if (outRight) *outRight = w->rightNonGui;
+    if (outBottom) *outBottom = w->bottomNonGui;
+}
+
+TVPM_API void TVPMSetWindowGeometry(TVPMWindowID inWindowID, int inLeft, int inTop, int inRight,
+                                    int inBottom) {
+    TVPM_CHECK_THREAD("TVPMSetWindowGeometry");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w) return;
+    if (w->isGuiBacked) SetHostBounds(w, inLeft, inTop, inRight, inBottom);
+    else SetPlainRect(w, inLeft, inTop, inRight, inBottom);
+}
+
+TVPM_API void TVPMGetWindowGeometryOS(TVPMWindowID inWindowID, int* outLeft, int* outTop,
+                                      int* outRight, int* outBottom) {
+    TVPM_CHECK_THREAD("TVPMGetWindowGeometryOS");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w || !gHooks->TVPMWindowIsPoppedOut_f(w)) return;
+    int bounds[4] = {0, 0, 0, 0};
+    gHooks->TVPMGetPopoutWindowOSBounds_f(w, bounds);
+    CopyBoundsOut(bounds, outLeft, outTop, outRight, outBottom);
+}
+
+TVPM_API void TVPMSetWindowGeometryOS(TVPMWindowID inWindowID, int inLeft, int inTop,
+                                      int inRight, int inBottom) {
+    TVPM_CHECK_THREAD("TVPMSetWindowGeometryOS");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w || !TVPMWindowIsPoppedOut(w)) return;
+    int bounds[4];
+    bounds[kBoundsLeft] = inLeft;
+    bounds[kBoundsBottom] = inBottom;
+    bounds[kBoundsRight] = inRight;
+    bounds[kBoundsTop] = inTop;
+    gHooks->TVPMSetPopoutWindowOSBounds_f(w, bounds);
+}
+
+TVPM_API int TVPMWindowIsPoppedOut(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMWindowIsPoppedOut");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    return w && w->isGuiBacked ? gHooks->TVPMWindowIsPoppedOut_f(w) : 0;
+}
+
+TVPM_API void TVPMGetWindowGeometryVR(TVPMWindowID inWindowID, int* outWidthBoxels,
+                                      int* outHeightBoxels) {
+    TVPM_CHECK_THREAD("TVPMGetWindowGeometryVR");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (w && w->isGuiBacked && gHooks->TVPMWindowIsInVr_f(w))
+        gHooks->TVPMGetWindowVrSize_f(w, outWidthBoxels, outHeightBoxels);
+}
+
+TVPM_API void TVPMSetWindowGeometryVR(TVPMWindowID inWindowID, int inWidthBoxels,
+                                      int inHeightBoxels) {
+    TVPM_CHECK_THREAD("TVPMSetWindowGeometryVR");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (w && w->isGuiBacked && gHooks->TVPMWindowIsInVr_f(w))
+        gHooks->TVPMSetWindowVrSize_f(w, inWidthBoxels, inHeightBoxels);
+}
+
+TVPM_API int TVPMWindowIsInVR(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMWindowIsInVR");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    return w && w->isGuiBacked ? gHooks->TVPMWindowIsInVr_f(w) : 0;
+}
+
+// ---- Visibility, refcon, stacking ------------------------------------------------------
+
+TVPM_API int TVPMGetWindowIsVisible(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMGetWindowIsVisible");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w) return 0;
+    return w->isGuiBacked ? gHooks->TVPMGuiPluginWindowIsVisible_f(w) : w->visible;
+}
+
+TVPM_API void TVPMSetWindowIsVisible(TVPMWindowID inWindowID, int inIsVisible) {
+    TVPM_CHECK_THREAD("TVPMSetWindowIsVisible");
+    StWindowListHold hold;
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w) return;
+    if (w->visible && !inIsVisible && w == gFocusWindow) {
+        TVPMDisplayTakeFocus(nullptr);
+        if (w->is_dead()) return;
+    }
+    w->visible = inIsVisible;
+    if (!w->isGuiBacked) return;
+    if (inIsVisible) gHooks->TVPMShowGuiPluginWindow_f(w);
+    else gHooks->TVPMHideGuiPluginWindow_f(w);
+}
+
+TVPM_API void* TVPMGetWindowRefCon(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMGetWindowRefCon");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    return w ? w->refcon : nullptr;
+}
+
+TVPM_API void TVPMSetWindowRefCon(TVPMWindowID inWindowID, void* inRefcon) {
+    TVPM_CHECK_THREAD("TVPMSetWindowRefCon");
+    if (TVPMWindow* w = TVPMFindWindow(inWindowID)) w->refcon = inRefcon;
+}
+
+TVPM_API void TVPMBringWindowToFront(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMBringWindowToFront");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w) return;
+    if (w->isGuiBacked) gHooks->TVPMBringGuiWindowToFront_f(w);
+    // Safe during walks: window walks run over a copy of the order.
+    gWindows.MoveToFront(w);
+}
+
+TVPM_API int TVPMIsWindowInFront(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMIsWindowInFront");
+    TVPMWindow* w = TVPMFindWindow(inWindowID);
+    if (!w) return 0;
+    if (w->isGuiBacked) return gHooks->TVPMGuiWindowIsInFront_f(w) ? 1 : 0;
+    for (TVPMWindow* h = gWindows.Head(); h; h = h->get_next())
+        if (!h->is_dead() && h->visible) return h == w ? 1 : 0;
+    return 0;
+}
+
+// ---- Keyboard focus ---------------------------------------------------------------------
+
+TVPM_API void TVPMTakeKeyboardFocus(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMTakeKeyboardFocus");
+    TVPMDisplayTakeFocus(inWindowID);
+}
+
+TVPM_API int TVPMHasKeyboardFocus(TVPMWindowID inWindowID) {
+    TVPM_CHECK_THREAD("TVPMHasKeyboardFocus");
+    return TVPMFindWindow(inWindowID) == gFocusWindow ? 1 : 0;
+}

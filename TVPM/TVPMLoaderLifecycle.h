@@ -1,0 +1,42 @@
+// TVPMLoaderLifecycle.h: state shared by the loader's discovery and lifecycle files (aircraft plugin list, busy guard, deferred library closing).
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "TVPMPrivate.h"
+
+// IDs of the plugins loaded from the user's aircraft folder, in load order.
+extern std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
+
+// True while plugins are being loaded, started, stopped or unloaded. Requests
+// that would reshape the plugin table from inside a plugin's own start, stop
+// or enable (an aircraft reload, an aircraft or scenery event sent by a
+// plugin) are refused meanwhile: they would recurse or pull records away from
+// under the loader.
+bool TVPMLoaderBusy();
+
+// Marks the loader busy for its lifetime.
+class StLoaderBusy {
+public:
+    StLoaderBusy();
+    ~StLoaderBusy();
+    StLoaderBusy(const StLoaderBusy&) = delete;
+    StLoaderBusy& operator=(const StLoaderBusy&) = delete;
+};
+
+// Tells every unit, in the fixed unload order, to release what the plugin owns.
+void TVPMRunCleanupHooks(TVPMPluginID id);
+
+// UnloadOnePlugin for a plugin known not to be running (one refused at start):
+// its library is closed at once.
+void TVPMUnloadStoppedPlugin(TVPMPluginID id);
+
+// Closes the libraries of plugins that were unloaded from inside their own
+// code, once no plugin code can be running any more. Call it only from a
+// host entry point or at the end of a full unload.
+void TVPMCloseDeferredLibraries();
+
+// The folder of the user's aircraft (its file path cut before the last "/");
+// false when the path has no "/".
+bool TVPMGetUserAircraftFolder(std::string& outFolder);

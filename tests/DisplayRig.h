@@ -1,0 +1,79 @@
+// DisplayRig.h: a started simulator with scripted plugins, and a way to run test code as one of them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "FakeHost.h"
+#include "Harness.h"
+#include "TVPM/TVPMDisplay.h"
+#include "TVPM/TVPMPlugin.h"
+
+namespace tvpmtest {
+
+// A message number no part of the system uses; it runs the pending test code.
+constexpr int kRunAsMessage = 0x7E57;
+
+inline std::function<void()>& PendingRunAs() {
+    static std::function<void()> pending;
+    return pending;
+}
+
+// Starts a simulator whose plugin folder holds one scripted plugin per key.
+class DisplayRig {
+public:
+    explicit DisplayRig(const std::vector<std::string>& keys) {
+        for (const std::string& key : keys) {
+            sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
+            Runnable(key);
+        }
+        host.Start(sim.Root());
+    }
+    ~DisplayRig() { host.Shutdown(); }
+    DisplayRig(const DisplayRig&) = delete;
+    DisplayRig& operator=(const DisplayRig&) = delete;
+
+    // Loads the user's aircraft with one aircraft plugin (its key is name);
+    // UnloadAircraft() then disables and unloads exactly that plugin.
+    void LoadAircraftWithPlugin(const std::string& name) {
+        Runnable(name);
+        host.userAircraftPath = sim.AddAircraft("Jet", {name}, BuiltPlugin("scripted.tvp"));
+        TVPMEventHook(3, 0, 0, 0, 0);
+    }
+    void UnloadAircraft() { TVPMEventHook(8, 0, 0, 0, 0); }
+
+    TVPMPluginID Id(const std::string& key) const {
+        return TVPMFindPluginBySignature(("test." + key).c_str());
+    }
+
+    // Runs f inside the plugin's own call context (the plugin must be enabled).
+    void As(const std::string& key, std::function<void()> f) {
+        PendingRunAs() = std::move(f);
+        TVPMSendMessageToPlugin(Id(key), kRunAsMessage, nullptr);
+    }
+
+    // Convenience wrappers that run as a plugin and hand back the result.
+    TVPMWindowID Window(const std::string& key, int l, int t, int r, int b,
+                        TVPMHandleMouseClick_f mouse = nullptr, TVPMHandleKey_f keyCb = nullptr,
+                        TVPMDrawWindow_f draw = nullptr, void* refcon = nullptr) {
+        TVPMWindowID id = nullptr;
+        As(key, [&] { id = TVPMCreateWindow(l, t, r, b, 1, draw, keyCb, mouse, refcon); });
+        return id;
+    }
+
+    FakeHost host;
+    SimFolder sim;
+
+private:
+    static void Runnable(const std::string& key) {
+        Script(key).message = [](TVPMPluginID, int message, void*) {
+            if (message != kRunAsMessage) return;
+            std::function<void()> run = std::move(PendingRunAs());
+            PendingRunAs() = nullptr;
+            if (run) run();
+        };
+    }
+};
+
+}  // namespace tvpmtest
