@@ -1,0 +1,74 @@
+// TVPMDataAccessTyped.cpp: the twelve typed reads and writes, each a guarded forward to one accessor of the item's owner.
+#include "TVPMDataAccessPrivate.h"
+
+namespace {
+
+inline TVPMData_t* Record(TVPMDataRef ref) { return static_cast<TVPMData_t*>(ref); }
+
+// Calls one accessor with the owner as the current plugin. No lookup, lock or
+// allocation: this runs for every item a plugin reads every frame. A disabled
+// or departed owner (-1) is not called and the result is 0.
+template <class R, class Accessor, class... Args>
+inline R CallOwner(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
+    StDispatchCallback scope(owner);
+    if (!scope()) return R();
+    try {
+        return accessor(refcon, args...);
+    } catch (...) {
+        // An owner's failure must not unwind through a C caller.
+        return R();
+    }
+}
+
+template <class R, class Accessor, class... Args>
+inline R Read(TVPMDataRef ref, Accessor TVPMData_t::*slot, Args... args) {
+    const TVPMData_t* d = Record(ref);
+    if (!d || !(d->*slot)) return R();
+    return CallOwner<R>(d->plugin, d->*slot, d->readRef, args...);
+}
+
+template <class Accessor, class... Args>
+inline void Write(TVPMDataRef ref, Accessor TVPMData_t::*slot, Args... args) {
+    const TVPMData_t* d = Record(ref);
+    if (!d || !d->writable || !(d->*slot)) return;
+    CallOwner<void>(d->plugin, d->*slot, d->writeRef, args...);
+}
+
+}  // namespace
+
+TVPM_API int TVPMGetDatai(TVPMDataRef inDataRef) {
+    return Read<int>(inDataRef, &TVPMData_t::readInt);
+}
+TVPM_API void TVPMSetDatai(TVPMDataRef inDataRef, int inValue) {
+    Write(inDataRef, &TVPMData_t::writeInt, inValue);
+}
+TVPM_API float TVPMGetDataf(TVPMDataRef inDataRef) {
+    return Read<float>(inDataRef, &TVPMData_t::readFloat);
+}
+TVPM_API void TVPMSetDataf(TVPMDataRef inDataRef, float inValue) {
+    Write(inDataRef, &TVPMData_t::writeFloat, inValue);
+}
+TVPM_API double TVPMGetDatad(TVPMDataRef inDataRef) {
+    return Read<double>(inDataRef, &TVPMData_t::readDouble);
+}
+TVPM_API void TVPMSetDatad(TVPMDataRef inDataRef, double inValue) {
+    Write(inDataRef, &TVPMData_t::writeDouble, inValue);
+}
+TVPM_API int TVPMGetDatavi(TVPMDataRef inDataRef, int* outValues, int inOffset, int inMax) {
+    return Read<int>(inDataRef, &TVPMData_t::readIntArray, outValues, inOffset, inMax);
+}
+TVPM_API void TVPMSetDatavi(TVPMDataRef inDataRef, int* inValues, int inOffset, int inCount) {
+    Write(inDataRef, &TVPMData_t::writeIntArray, inValues, inOffset, inCount);
+}
+TVPM_API int TVPMGetDatavf(TVPMDataRef inDataRef, float* outValues, int inOffset, int inMax) {
+    return Read<int>(inDataRef, &TVPMData_t::readFloatArray, outValues, inOffset, inMax);
+}
+TVPM_API void TVPMSetDatavf(TVPMDataRef inDataRef, float* inValues, int inOffset, int inCount) {
+    Write(inDataRef, &TVPMData_t::writeFloatArray, inValues, inOffset, inCount);
+}
+TVPM_API int TVPMGetDatab(TVPMDataRef inDataRef, void* outValue, int inOffset, int inMaxLength) {
+    return Read<int>(inDataRef, &TVPMData_t::readData, outValue, inOffset, inMaxLength);
+}
+TVPM_API void TVPMSetDatab(TVPMDataRef inDataRef, void* inValue, int inOffset, int inLength) {
+    Write(inDataRef, &TVPMData_t::writeData, inValue, inOffset, inLength);
+}

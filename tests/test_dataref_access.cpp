@@ -1,0 +1,290 @@
+// test_dataref_access.cpp: typed reads and writes reach exactly one accessor in the owner's context, and shared data between plugins.
+#include <gtest/gtest.h>
+
+#include "FakeHost.h"
+#include "Harness.h"
+#include "TVPM/TVPMDataAccess.h"
+#include "TVPM/TVPMPlugin.h"
+#include "data_test_util.h"
+
+using namespace tvpmtest;
+using namespace datatest;
+
+namespace {
+
+// Every accessor call, as "name refcon-tag args" lines, with the current plugin.
+std::vector<std::string> s_calls;
+std::vector<TVPMPluginID> s_callers;
+int s_refTag = 7;
+
+void Note(const std::string& what) {
+    s_calls.push_back(what);
+    s_callers.push_back(TVPMGetMyID());
+}
+int GetI(void* ref) { Note("readInt " + std::to_string(*static_cast<int*>(ref))); return 41; }
+void SetI(void*, int v) { Note("writeInt " + std::to_string(v)); }
+float GetF(void*) { Note("readFloat"); return 1.5f; }
+void SetF(void*, float v) { Note("writeFloat " + std::to_string(v)); }
+double GetD(void*) { Note("readDouble"); return 2.25; }
+void SetD(void*, double v) { Note("writeDouble " + std::to_string(v)); }
+std::string Args(const void* p, int offset, int n) {
+    return std::string(p ? "buf " : "null ") + std::to_string(offset) + " " + std::to_string(n);
+}
+int GetVI(void*, int* out, int offset, int max) { Note("readIntArray " + Args(out, offset, max)); return 3; }
+void SetVI(void*, int* in, int offset, int n) { Note("writeIntArray " + Args(in, offset, n)); }
+int GetVF(void*, float* out, int offset, int max) { Note("readFloatArray " + Args(out, offset, max)); return 4; }
+void SetVF(void*, float* in, int offset, int n) { Note("writeFloatArray " + Args(in, offset, n)); }
+int GetB(void*, void* out, int offset, int max) { Note("readData " + Args(out, offset, max)); return 5; }
+void SetB(void*, void* in, int offset, int n) { Note("writeData " + Args(in, offset, n)); }
+int Throwing(void*) { throw 1; }
+
+TVPMDataRef RegisterAll(const char* name, int writable) {
+    return TVPMRegisterDataAccessor(name, 63, writable, GetI, SetI, GetF, SetF, GetD, SetD, GetVI,
+                                    SetVI, GetVF, SetVF, GetB, SetB, &s_refTag, &s_refTag);
+}
+
+struct TypedAccess : ::testing::Test {
+    FakeHost host;
+    SimFolder sim;
+    TVPMDataRef all = nullptr;
+    void SetUp() override {
+        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+        Script("alpha.tvp").enable = [this] {
+            if (!all) all = RegisterAll("test/all", 1);
+            return 1;
+        };
+        Script("beta.tvp").enable = [] { ListenForErrors<2>(); return 1; };
+        ASSERT_EQ(host.Start(sim.Root()), 23);
+    }
+};
+
+void ReadAndWriteEverything(TVPMDataRef ref, std::vector<double>& results) {
+    int ints[4] = {};
+    float floats[4] = {};
+    char bytes[4] = {};
+    results = {static_cast<double>(TVPMGetDatai(ref)), TVPMGetDataf(ref), TVPMGetDatad(ref),
+               static_cast<double>(TVPMGetDatavi(ref, ints, 1, 4)),
+               static_cast<double>(TVPMGetDatavf(ref, floats, 2, 4)),
+               static_cast<double>(TVPMGetDatab(ref, bytes, 3, 4))};
+    TVPMSetDatai(ref, 9);
+    TVPMSetDataf(ref, 0.5f);
+    TVPMSetDatad(ref, 0.25);
+    TVPMSetDatavi(ref, ints, 1, 2);
+    TVPMSetDatavf(ref, floats, 2, 3);
+    TVPMSetDatab(ref, bytes, 3, 4);
+}
+
+}  // namespace
+
+TEST_F(TypedAccess, EachCallReachesItsOwnAccessorInTheOwnersContext) {
+    std::vector<double> results;
+    AsPlugin("beta.tvp", [&] { ReadAndWriteEverything(all, results); });
+    EXPECT_EQ(results, (std::vector<double>{41, 1.5, 2.25, 3, 4, 5}));
+    EXPECT_EQ(s_calls, (std::vector<std::string>{
+                           "readInt 7", "readFloat", "readDouble", "readIntArray buf 1 4",
+                           "readFloatArray buf 2 4", "readData buf 3 4", "writeInt 9",
+                           "writeFloat 0.500000", "writeDouble 0.250000", "writeIntArray buf 1 2",
+                           "writeFloatArray buf 2 3", "writeData buf 3 4"}));
+    EXPECT_EQ(s_callers, std::vector<TVPMPluginID>(12, IdOf("alpha.tvp")));
+    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMGetMyID(), IdOf("beta.tvp")); });
+}
+
+TEST_F(TypedAccess, ArgumentsArePassedThroughUnchecked) {
+    EXPECT_EQ(TVPMGetDatavf(all, nullptr, -3, 0), 4);
+    TVPMSetDatab(all, nullptr, -1, 1 << 30);
+    EXPECT_EQ(s_calls, (std::vector<std::string>{"readFloatArray null -3 0",
+                                                 "writeData null -1 1073741824"}));
+}
+
+TEST_F(TypedAccess, SilentZeroForNullHandlesMissingAccessorsAndReadOnlyItems) {
+    TVPMDataRef readOnly = nullptr, intOnly = nullptr;
+    AsPlugin("alpha.tvp", [&] {
+        readOnly = RegisterAll("test/read_only", 0);
+        intOnly = TVPMRegisterDataAccessor("test/int_only", tvpmType_Int, 1, GetI, SetI, nullptr,
+                                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                           nullptr, nullptr, nullptr, &s_refTag, &s_refTag);
+    });
+    std::vector<double> results;
+    AsPlugin("beta.tvp", [&] {
+        ReadAndWriteEverything(nullptr, results);
+        EXPECT_EQ(results, std::vector<double>(6, 0));
+        EXPECT_TRUE(s_calls.empty());
+
+        ReadAndWriteEverything(readOnly, results);
+        EXPECT_EQ(s_calls.size(), 6u) << "only the reads ran";
+        s_calls.clear();
+
+        ReadAndWriteEverything(intOnly, results);
+        EXPECT_EQ(results, (std::vector<double>{41, 0, 0, 0, 0, 0}));
+        EXPECT_EQ(s_calls, (std::vector<std::string>{"readInt 7", "writeInt 9"}));
+    });
+    EXPECT_TRUE(Errors()[2].empty()) << "no messages on this path";
+}
+
+TEST_F(TypedAccess, DisabledOwnerIsNotCalledUntilReEnabled) {
+    const TVPMPluginID alpha = IdOf("alpha.tvp");
+    TVPMDisablePlugin(alpha);
+    std::vector<double> results;
+    ReadAndWriteEverything(all, results);
+    EXPECT_EQ(results, std::vector<double>(6, 0));
+    EXPECT_TRUE(s_calls.empty());
+    EXPECT_EQ(TVPMGetMyID(), 0) << "the caller is current again";
+
+    TVPMEnablePlugin(alpha);
+    EXPECT_EQ(TVPMGetDatavf(all, nullptr, 0, 0), 4);
+}
+
+TEST_F(TypedAccess, UnloadedOwnersItemsGoSilentAndAThrowingAccessorGivesZero) {
+    TVPMDataRef throwing = nullptr;
+    AsPlugin("alpha.tvp", [&] {
+        throwing = TVPMRegisterDataAccessor("test/throws", tvpmType_Int, 0, Throwing, nullptr,
+                                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    });
+    EXPECT_EQ(TVPMGetDatai(throwing), 0);
+    EXPECT_EQ(TVPMGetMyID(), 0);
+    host.Shutdown();
+    EXPECT_EQ(TVPMGetDatai(all), 0);
+    EXPECT_EQ(TVPMGetDatavi(all, nullptr, 0, 0), 0);
+    EXPECT_TRUE(s_calls.empty());
+}
+
+// ---- Shared data ---------------------------------------------------------------
+
+namespace {
+
+std::vector<std::string> s_notified;
+void Changed(void* refcon) {
+    s_notified.push_back(std::string(static_cast<const char*>(refcon)) + " as " +
+                         std::to_string(TVPMGetMyID()));
+}
+char kAlphaTag[] = "alpha", kBetaTag[] = "beta", kOtherTag[] = "other";
+
+struct SharedData : ::testing::Test {
+    FakeHost host;
+    SimFolder sim;
+    TVPMPluginID alpha = -1, beta = -1;
+    void SetUp() override {
+        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
+        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
+        ASSERT_EQ(host.Start(sim.Root()), 23);
+        alpha = IdOf("alpha.tvp");
+        beta = IdOf("beta.tvp");
+    }
+};
+
+}  // namespace
+
+TEST_F(SharedData, PluginsShareAValueAndAreToldOfEveryWriteInOrder) {
+    AsPlugin("alpha.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 1); });
+    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Int, Changed, kBetaTag), 1); });
+    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Float, Changed, kBetaTag), 0); });
+
+    TVPMDataRef x = nullptr;
+    AsPlugin("alpha.tvp", [&] {
+        x = TVPMFindDataRef("shared/x");
+        TVPMSetDatai(x, 42);
+        TVPMSetDatai(x, 42);
+    });
+    const std::string a = "alpha as " + std::to_string(alpha), b = "beta as " + std::to_string(beta);
+    EXPECT_EQ(s_notified, (std::vector<std::string>{a, b, a, b}));
+    EXPECT_EQ(TVPMGetDatai(x), 42);
+    EXPECT_EQ(TVPMGetDataf(x), 0.0f) << "no conversion";
+    EXPECT_EQ(TVPMCanWriteDataRef(x), 1);
+    TVPMDataRefInfo_t info{};
+    info.structSize = 32;
+    TVPMGetDataRefInfo(x, &info);
+    EXPECT_EQ(info.owner, 0) << "the library owns shared items";
+
+    s_notified.clear();
+    TVPMDisablePlugin(alpha);
+    TVPMSetDatai(x, 1);
+    EXPECT_EQ(s_notified, std::vector<std::string>{b}) << "a disabled subscriber is skipped";
+    TVPMEnablePlugin(alpha);
+
+    s_notified.clear();
+    AsPlugin("beta.tvp", [] {
+        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kOtherTag), 0);
+        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Float, Changed, kBetaTag), 0);
+        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 0)
+            << "only one's own subscriptions";
+        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kBetaTag), 1);
+        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kBetaTag), 0);
+    });
+    TVPMSetDatai(x, 2);
+    EXPECT_EQ(s_notified, std::vector<std::string>{a});
+}
+
+TEST_F(SharedData, ArraysGrowToTheHighestItemWritten) {
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/ints", tvpmType_IntArray, nullptr, nullptr); });
+    TVPMDataRef ints = TVPMFindDataRef("shared/ints");
+    EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 1);
+    int three[3] = {7, 8, 9};
+    TVPMSetDatavi(ints, three, 2, 3);
+    EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 5);
+    int back[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    EXPECT_EQ(TVPMGetDatavi(ints, back, 1, 8), 4);
+    EXPECT_EQ(std::vector<int>(back + 1, back + 4), (std::vector<int>{7, 8, 9}));
+    EXPECT_EQ(TVPMGetDatavi(ints, back, 2, 2), 2);
+    EXPECT_EQ(TVPMGetDatavi(ints, back, 9, 2), 0) << "past the end";
+    EXPECT_EQ(TVPMGetDatavi(ints, back, -1, 2), 0);
+    TVPMSetDatavi(ints, three, -1, 3);
+    TVPMSetDatavi(ints, three, 1, 1);
+    EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 5) << "never shrinks";
+
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/bytes", tvpmType_Data, nullptr, nullptr); });
+    TVPMDataRef bytes = TVPMFindDataRef("shared/bytes");
+    char text[] = "hello";
+    TVPMSetDatab(bytes, text, 0, 6);
+    char out[16] = {};
+    EXPECT_EQ(TVPMGetDatab(bytes, out, 0, 16), 6);
+    EXPECT_STREQ(out, "hello");
+
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/d", tvpmType_Double, nullptr, nullptr); });
+    TVPMDataRef d = TVPMFindDataRef("shared/d");
+    TVPMSetDatad(d, 3.125);
+    EXPECT_EQ(TVPMGetDatad(d), 3.125);
+}
+
+TEST_F(SharedData, ValueOutlivesItsSharersAndDepartingSubscribersAreForgotten) {
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/f", tvpmType_Float, Changed, kAlphaTag); });
+    AsPlugin("beta.tvp", [] { TVPMShareData("shared/f", tvpmType_Float, Changed, kBetaTag); });
+    TVPMDataRef f = TVPMFindDataRef("shared/f");
+    TVPMSetDataf(f, 0.75f);
+    host.Shutdown();
+    s_notified.clear();
+    EXPECT_EQ(TVPMIsDataRefGood(f), 1);
+    EXPECT_EQ(TVPMGetDataf(f), 0.75f);
+    TVPMSetDataf(f, 0.5f);
+    EXPECT_TRUE(s_notified.empty());
+    EXPECT_EQ(TVPMGetDataf(f), 0.5f);
+}
+
+TEST_F(SharedData, SharingAPluginsItemNameStillSucceeds) {
+    int storage = 3;
+    AsPlugin("alpha.tvp", [&] {
+        TVPMRegisterDataAccessor("test/owned", tvpmType_Int, 1, GetI, nullptr, nullptr, nullptr,
+                                 nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                 nullptr, &storage, nullptr);
+    });
+    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMShareData("test/owned", tvpmType_Int, nullptr, nullptr), 1); });
+    TVPMDataRefInfo_t info{};
+    info.structSize = 32;
+    TVPMGetDataRefInfo(TVPMFindDataRef("test/owned"), &info);
+    EXPECT_EQ(info.owner, alpha) << "the plugin's item is left alone";
+}
+
+TEST_F(SharedData, ADepartingPluginsSubscriptionsGoAndTheOthersKeepTheirOrder) {
+    host.userAircraftPath = sim.AddAircraft("Cessna", {"acfplug"}, BuiltPlugin("scripted.tvp"));
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    ASSERT_GT(IdOf("acfplug"), 0);
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kAlphaTag); });
+    AsPlugin("acfplug", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kOtherTag); });
+    AsPlugin("beta.tvp", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kBetaTag); });
+    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
+    s_notified.clear();
+    TVPMSetDatai(TVPMFindDataRef("shared/n"), 5);
+    EXPECT_EQ(s_notified, (std::vector<std::string>{"alpha as " + std::to_string(alpha),
+                                                    "beta as " + std::to_string(beta)}));
+}
