@@ -7,7 +7,6 @@ namespace tvpmhost {
 namespace {
 
 void ObserveDataItems(RunSummary& summary) {
-#ifdef TVPM_HOST_HAS_DATA_ACCESS
     TVPMApi& api = Api();
     if (!api.CountDataRefs || !api.GetDataRefsByIndex || !api.GetDataRefInfo) return;
     const int count = api.CountDataRefs();
@@ -21,13 +20,9 @@ void ObserveDataItems(RunSummary& summary) {
         const std::string owner = PluginPath(info.owner);
         if (!owner.empty() && info.name) summary.plugins[owner].dataItems.insert(info.name);
     }
-#else
-    (void)summary;
-#endif
 }
 
 void ObserveHotKeys(RunSummary& summary) {
-#ifdef TVPM_HOST_HAS_DISPLAY
     TVPMApi& api = Api();
     if (!api.CountHotKeys || !api.GetNthHotKey || !api.GetHotKeyInfo) return;
     for (int i = 0, n = api.CountHotKeys(); i < n; ++i) {
@@ -39,9 +34,6 @@ void ObserveHotKeys(RunSummary& summary) {
         const std::string path = PluginPath(owner);
         if (!path.empty()) summary.plugins[path].hotKeys.insert(description);
     }
-#else
-    (void)summary;
-#endif
 }
 
 template <class Store, class Fn>

@@ -7,8 +7,6 @@
 
 namespace tvpmhost {
 
-#ifdef TVPM_HOST_HAS_DATA_ACCESS
-
 namespace {
 
 constexpr int kDeprecated = tvpm_DataRefDeprecatedFlag;  // only the simulator may publish these
@@ -87,11 +85,5 @@ int PublishAll() {
 }  // namespace
 
 int PublishHostDataItems() { return Api().RegisterDataAccessor ? PublishAll() : 0; }
-
-#else
-
-int PublishHostDataItems() { return 0; }
-
-#endif
 
 }  // namespace tvpmhost

@@ -48,17 +48,13 @@ bool TVPMApi::Load(const std::string& libraryPath, std::string& error) {
     TVPM_REQUIRE(EnablePlugin);
     TVPM_REQUIRE(DisablePlugin);
     TVPM_REQUIRE(ReloadPlugins);
-#ifdef TVPM_HOST_HAS_DATA_ACCESS
     TVPM_OPTIONAL(RegisterDataAccessor);
     TVPM_OPTIONAL(CountDataRefs);
     TVPM_OPTIONAL(GetDataRefsByIndex);
     TVPM_OPTIONAL(GetDataRefInfo);
-#endif
-#ifdef TVPM_HOST_HAS_DISPLAY
     TVPM_OPTIONAL(CountHotKeys);
     TVPM_OPTIONAL(GetNthHotKey);
     TVPM_OPTIONAL(GetHotKeyInfo);
-#endif
 #undef TVPM_REQUIRE
 #undef TVPM_OPTIONAL
     if (!missing.empty()) {

@@ -4,17 +4,10 @@
 #include <string>
 
 #include "TVPMHost.h"
+#include "TVPM/TVPMDataAccess.h"
+#include "TVPM/TVPMDisplay.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
-
-#if __has_include("TVPM/TVPMDataAccess.h")
-#include "TVPM/TVPMDataAccess.h"
-#define TVPM_HOST_HAS_DATA_ACCESS 1
-#endif
-#if __has_include("TVPM/TVPMDisplay.h")
-#include "TVPM/TVPMDisplay.h"
-#define TVPM_HOST_HAS_DISPLAY 1
-#endif
 
 namespace tvpmhost {
 
@@ -46,17 +39,14 @@ struct TVPMApi {
     FnPtr<TVPMDisablePlugin> DisablePlugin = nullptr;
     FnPtr<TVPMReloadPlugins> ReloadPlugins = nullptr;
 
-#ifdef TVPM_HOST_HAS_DATA_ACCESS
+    // optional: what plugins registered, and the simulator's own data items
     FnPtr<TVPMRegisterDataAccessor> RegisterDataAccessor = nullptr;
     FnPtr<TVPMCountDataRefs> CountDataRefs = nullptr;
     FnPtr<TVPMGetDataRefsByIndex> GetDataRefsByIndex = nullptr;
     FnPtr<TVPMGetDataRefInfo> GetDataRefInfo = nullptr;
-#endif
-#ifdef TVPM_HOST_HAS_DISPLAY
     FnPtr<TVPMCountHotKeys> CountHotKeys = nullptr;
     FnPtr<TVPMGetNthHotKey> GetNthHotKey = nullptr;
     FnPtr<TVPMGetHotKeyInfo> GetHotKeyInfo = nullptr;
-#endif
 
     // Loads the library (RTLD_NOW | RTLD_GLOBAL, so plugins resolve against
     // it) and resolves every function. On failure error says why.

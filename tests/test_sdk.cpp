@@ -85,11 +85,11 @@ TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
 
     const std::string source = dir_ + "/src";
     fs::create_directories(source);
-    fs::copy_file(CacheValue("CMAKE_HOME_DIRECTORY") + "/examples/hello_panel.cpp", source + "/hello_panel.cpp");
+    fs::copy_file(CacheValue("CMAKE_HOME_DIRECTORY") + "/examples/panel_clock.cpp", source + "/panel_clock.cpp");
     std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
                                                  "project(sdk_user CXX)\n"
                                                  "find_package(TVPM 4.2 REQUIRED)\n"
-                                                 "tvpm_add_plugin(my_panel SOURCES hello_panel.cpp)\n";
+                                                 "tvpm_add_plugin(my_panel SOURCES panel_clock.cpp)\n";
     const std::string build = dir_ + "/build";
     o = CMake("-S " + Quote(source) + " -B " + Quote(build) + " -DCMAKE_PREFIX_PATH=" + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;
