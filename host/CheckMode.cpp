@@ -120,8 +120,9 @@ CheckResult CheckOne(const CheckUnit& unit, const HostOptions& o, const std::str
     }
     if (unit.aircraft) {
         acf = AddAircraftPlugin(root, unit.source, error);
-        const std::vector<std::string> copied = AircraftPluginsOf(acf.substr(0, acf.rfind('/')));
-        if (!acf.empty() && copied.size() == 1) r.library = FatLibraryOf(copied[0]);
+        if (!acf.empty())
+            for (auto& copied : AircraftPluginsOf(acf.substr(0, acf.rfind('/'))))
+                r.library = FatLibraryOf(copied);
     } else {
         r.library = AddPlugin(root, unit.source, error);
         // An aircraft without plugins: the plugin only hears of its load and unload.
