@@ -338,3 +338,27 @@ TEST(HostCheck, NothingToCheckIsAnError) {
     EXPECT_EQ(o.status, 2) << o.output;
     EXPECT_NE(o.output.find("no plugins to check"), std::string::npos) << o.output;
 }
+
+TEST(HostRun, ASecondCopyOfAPluginIsRefusedWithTheLoadersWarning) {
+    TempDir dir;
+    const std::string fat = BinaryDir() + "/sim/Resources/plugins/panel_clock";
+    fs::copy_file(fat + "/lin_x64/panel_clock.tvp", dir / "panel_clock.tvp");
+    const Outcome o = RunHost("--quiet --frames 5 --plugin " + (dir / "panel_clock.tvp") + " --plugin " + fat);
+    EXPECT_EQ(o.status, 0) << o.output;
+    EXPECT_NE(o.output.find("Plugins loaded: 1, failed: 0"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("Loader warnings (1)"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("Signature: tvpm.examples.panel_clock. (A version of this plugin is already loaded.)"),
+              std::string::npos)
+        << o.output;
+}
+
+TEST(HostCheck, JsonReportCarriesEachPluginsProblems) {
+    TempDir dir;
+    const Outcome o = RunHost("--check --frames 5 --report " + (dir / "check.json") + " --plugin " +
+                              TestPlugin("broken_leak.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    const std::string json = Slurp(dir / "check.json");
+    EXPECT_NE(json.find("\"ok\":false"), std::string::npos) << json;
+    EXPECT_NE(json.find("\"name\":\"Broken Leak\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"passed\":false,\"problems\":[\"left behind: "), std::string::npos) << json;
+}

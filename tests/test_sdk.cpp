@@ -86,10 +86,14 @@ TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
     const std::string source = dir_ + "/src";
     fs::create_directories(source);
     fs::copy_file(CacheValue("CMAKE_HOME_DIRECTORY") + "/examples/panel_clock.cpp", source + "/panel_clock.cpp");
+    // A helper the author exported by mistake must stay hidden in the plugin.
+    std::ofstream(source + "/helper.cpp") << "__attribute__((visibility(\"default\"))) int my_helper() { return 1; }\n";
     std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
                                                  "project(sdk_user CXX)\n"
                                                  "find_package(TVPM 4.2 REQUIRED)\n"
-                                                 "tvpm_add_plugin(my_panel SOURCES panel_clock.cpp)\n";
+                                                 "tvpm_add_plugin(my_panel SOURCES panel_clock.cpp helper.cpp)\n"
+                                                 "tvpm_add_plugin(flat_panel SOURCES panel_clock.cpp LAYOUT flat\n"
+                                                 "                OUTPUT_DIR ${CMAKE_BINARY_DIR}/loose)\n";
     const std::string build = dir_ + "/build";
     o = CMake("-S " + Quote(source) + " -B " + Quote(build) + " -DCMAKE_PREFIX_PATH=" + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;
@@ -102,6 +106,8 @@ TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
     EXPECT_EQ(DefinedDynamicSymbols(plugin),
               (std::set<std::string>{"TPluginDisable", "TPluginEnable", "TPluginReceiveMessage", "TPluginStart",
                                      "TPluginStop"}));
+
+    EXPECT_TRUE(fs::exists(build + "/loose/flat_panel.tvp"));
 
     // The installed headless simulator finds the installed library and passes the plugin.
     o = Shell(Quote(prefix + "/bin/tvpm-host") + " --check --frames 5 --plugin " + Quote(build + "/plugins/my_panel"));
@@ -121,4 +127,18 @@ TEST_F(SdkTest, APluginWithoutSourcesIsAConfigureError) {
     const Outcome o = CMake("-S " + Quote(source) + " -B " + Quote(dir_ + "/build"));
     EXPECT_NE(o.status, 0);
     EXPECT_NE(o.output.find("tvpm_add_plugin(empty): no SOURCES given"), std::string::npos) << o.output;
+}
+
+TEST_F(SdkTest, AnUnknownLayoutIsAConfigureError) {
+    const std::string source = dir_ + "/src";
+    fs::create_directories(source);
+    std::ofstream(source + "/p.cpp") << "int x;\n";
+    std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
+                                                 "project(sdk_user CXX)\n"
+                                                 "include(" + CacheValue("CMAKE_HOME_DIRECTORY") +
+                                                     "/cmake/TVPMPlugin.cmake)\n"
+                                                     "tvpm_add_plugin(p SOURCES p.cpp LAYOUT sideways)\n";
+    const Outcome o = CMake("-S " + Quote(source) + " -B " + Quote(dir_ + "/build"));
+    EXPECT_NE(o.status, 0);
+    EXPECT_NE(o.output.find("tvpm_add_plugin(p): LAYOUT must be fat or flat"), std::string::npos) << o.output;
 }
