@@ -79,11 +79,16 @@ void TVPMSendDelivery(TVPMDelivery* d) {
         d->DeliverToPlugin(true);
         return;
     }
+    PluginRecord* r = TVPMGetPluginRecord(d->plugin);
+    if (!r) {  // not a plugin any more: only let the delivery release itself
+        d->DeliverToPlugin(true);
+        return;
+    }
     StDispatchCallback scope(d->plugin);
     if (scope())
         d->DeliverToPlugin(false);
     else
-        gAllPlugins[static_cast<size_t>(d->plugin)].pending.PushFront(d);
+        r->pending.PushFront(d);
 }
 
 // ---- Error reporting ------------------------------------------------------------

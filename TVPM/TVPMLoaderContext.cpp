@@ -1,4 +1,6 @@
 // TVPMLoaderContext.cpp: who is calling: the plugin-thread check, current-plugin names and the end-of-callback weather check.
+#include <execinfo.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -11,9 +13,20 @@
 
 namespace {
 
-// Frames between the plugin's call and the stack walk: the walk itself, the
-// check, and the checked entry point.
-constexpr int kFramesToOffendingCaller = 3;
+// Frames looked at when searching for the checked entry point's caller.
+constexpr int kMaxFramesToOffendingCaller = 16;
+
+// The plugin whose code called the checked entry point: the frame right after
+// the entry point's own return address. Found by matching rather than by a
+// fixed depth, so that frames added by instrumented builds do not shift it.
+TVPMPluginID OffendingPlugin(void* intoEntryPoint) {
+    void* frames[kMaxFramesToOffendingCaller];
+    const int count = backtrace(frames, kMaxFramesToOffendingCaller);
+    for (int i = 0; i + 1 < count; ++i)
+        if (frames[i] == intoEntryPoint)
+            return TVPMPluginFromDLL(TVPMGetDLLForInstruction(frames[i + 1]));
+    return TVPM_NO_PLUGIN_ID;
+}
 
 void PrintAndLog(const char* line) {
     printf("%s", line);
@@ -49,8 +62,7 @@ __attribute__((noinline, noreturn)) void ReportThreadViolation(TVPMPluginID offe
 __attribute__((noinline)) void __TVPMValidateThreadSafety(const char* func, const char* file,
                                                           int line) {
     if (pthread_equal(pthread_self(), gPluginThread)) return;
-    TVPMPluginID offender = TVPMPluginFromDLL(TVPMGetDLLForCaller(kFramesToOffendingCaller));
-    ReportThreadViolation(offender, func, file, line);
+    ReportThreadViolation(OffendingPlugin(__builtin_return_address(0)), func, file, line);
 }
 
 const char* DebugCurrentPluginName() { return DebugPluginField(&PluginRecord::name); }
@@ -68,17 +80,8 @@ TVPM_API const char* TVPMDebugGetCurrentPluginName(void) {
 void TVPMReportUnclosedWeatherUpdate() {
     const TVPMPluginID id = gDispatchedPlugin;
     TVPMWeatherCleanupHook(id);
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    if (r) {
-        TVPMDebugString("[");
-        TVPMDebugString(r->name.c_str());
-        TVPMDebugString("]: ");
-    } else {
-        TVPMDebugString("[unknown]: ");
-    }
-    TVPMDebugString(
+    TVPMLogPluginWarning(
         "TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate() from the same "
-        "callback. This is a plugin bug.\n");
-    if (r && r->errorFunc)
-        r->errorFunc("TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate()");
+        "callback. This is a plugin bug.");
+    TVPMSendErrorTo("TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate()", id);
 }

@@ -175,19 +175,9 @@ void __TVPMValidateThreadSafety(const char* func, const char* file, int line);
 // ---------------------------------------------------------------------------
 // Plugin-owned resource lists.
 
-// Assertion reports name this header and these fixed lines, so that a host's
-// assertion log stays comparable across builds.
+// Resource-list assertion reports name this header and fixed lines (see
+// TVPMResourceList), so that a host's assertion log stays comparable across builds.
 constexpr const char* kTVPMPrivateSource = "TVPM/TVPMPrivate.h";
-enum TVPMResourceListCheckLine {
-    kLineBeginIterate = 539,
-    kLineEndIterate = 547,
-    kLineHeadHasNoPrev = 581,
-    kLinePrevLinksBack = 584,
-    kLineNextLinksBack = 585,
-    kLineDeadMatchesChain = 590,
-    kLineDeadIsMarked = 595,
-    kLineDeadIsLinked = 599,
-};
 
 // True when the host supplied an assertion handler; checks are skipped otherwise.
 inline bool TVPMHasAssertHandler() { return gHooks && gHooks->TVPMHandleAssertFailed_f; }
@@ -196,11 +186,10 @@ inline void TVPMFailAssertion(const char* condition, const char* file, int line)
     if (TVPMHasAssertHandler()) gHooks->TVPMHandleAssertFailed_f(condition, file, line);
 }
 
-// Reports condition to the host when it is false (or when the host has no
-// handler, in which case reporting is a no-op).
-inline void TVPMCheck(bool ok, const char* condition, int line) {
-    if (!ok || !TVPMHasAssertHandler())
-        TVPMFailAssertion(condition, kTVPMPrivateSource, line);
+// The one form of every internal check: report when the condition is false
+// (or when there is no handler, in which case reporting is a no-op).
+inline void TVPMCheckAssertion(bool ok, const char* condition, const char* file, int line) {
+    if (!ok || !TVPMHasAssertHandler()) TVPMFailAssertion(condition, file, line);
 }
 
 // Base of every record kept in a TVPMResourceList; T derives from TVPMResource_t<T>.
@@ -221,13 +210,15 @@ public:
         if (head) head->prev = r;
         head = r;
     }
-    // Marks r dead and chains it for later purging; returns false if it was already dead.
-    static bool TVPMKillResource(T*& /*head*/, T*& deadHead, T* r, bool /*unused*/) {
-        if (r->dead) return false;
-        r->dead = true;
-        r->next_dead = deadHead;
-        deadHead = r;
-        return true;
+    // Marks r dead and chains it for later purging (once, however often it is
+    // killed); raises needsClean either way.
+    static void TVPMKillResource(T*& /*head*/, T*& deadHead, T* r, bool& needsClean) {
+        if (!r->dead) {
+            r->dead = true;
+            r->next_dead = deadHead;
+            deadHead = r;
+        }
+        needsClean = true;
     }
     // Unlinks r from the live chain and, when destroy is set, frees it.
     static void TVPMRemoveResource(T*& head, T*& /*deadHead*/, T* r, bool destroy) {
@@ -282,20 +273,19 @@ public:
         if (in_iterate == 0) {
             R::TVPMRemoveResource(head, dead, r, true);
         } else {
-            R::TVPMKillResource(head, dead, r, true);
-            needs_clean = true;
+            R::TVPMKillResource(head, dead, r, needs_clean);
         }
         Validate();
     }
 
     T* BeginIterate() {
-        TVPMCheck(in_iterate >= 0, "in_iterate >= 0", kLineBeginIterate);
+        Check(in_iterate >= 0, "in_iterate >= 0", kLineBeginIterate);
         ++in_iterate;
         return head;
     }
 
     void EndIterate() {
-        TVPMCheck(in_iterate > 0, "in_iterate > 0", kLineEndIterate);
+        Check(in_iterate > 0, "in_iterate > 0", kLineEndIterate);
         in_iterate = in_iterate > 0 ? in_iterate - 1 : 0;
         if (!needs_clean || in_iterate != 0) return;
         Validate();
@@ -331,23 +321,23 @@ public:
 
     void Validate() const {
         if (!TVPMHasAssertHandler()) return;
-        TVPMCheck(!head || head->get_prev() == nullptr, "!head || head->get_prev() == NULL",
-                  kLineHeadHasNoPrev);
+        Check(!head || head->get_prev() == nullptr, "!head || head->get_prev() == NULL",
+              kLineHeadHasNoPrev);
         for (T* h = head; h; h = h->get_next()) {
-            TVPMCheck(h->get_prev() == nullptr || h->get_prev()->get_next() == h,
-                      "h->get_prev() == NULL || h->get_prev()->get_next() == h", kLinePrevLinksBack);
-            TVPMCheck(h->get_next() == nullptr || h->get_next()->get_prev() == h,
-                      "h->get_next() == NULL || h->get_next()->get_prev() == h", kLineNextLinksBack);
+            Check(h->get_prev() == nullptr || h->get_prev()->get_next() == h,
+                  "h->get_prev() == NULL || h->get_prev()->get_next() == h", kLinePrevLinksBack);
+            Check(h->get_next() == nullptr || h->get_next()->get_prev() == h,
+                  "h->get_next() == NULL || h->get_next()->get_prev() == h", kLineNextLinksBack);
             T* d = dead;
             while (d && d != h) d = d->get_next_dead();
-            TVPMCheck(h->is_dead() == (d != nullptr), "h->is_dead() == (d != NULL)",
-                      kLineDeadMatchesChain);
+            Check(h->is_dead() == (d != nullptr), "h->is_dead() == (d != NULL)",
+                  kLineDeadMatchesChain);
         }
         for (T* d = dead; d; d = d->get_next_dead()) {
-            TVPMCheck(d->is_dead(), "d->is_dead()", kLineDeadIsMarked);
+            Check(d->is_dead(), "d->is_dead()", kLineDeadIsMarked);
             T* h = head;
             while (h && h != d) h = h->get_next();
-            TVPMCheck(h != nullptr, "h != NULL", kLineDeadIsLinked);
+            Check(h != nullptr, "h != NULL", kLineDeadIsLinked);
         }
     }
 
@@ -356,6 +346,21 @@ public:
     int IterationDepth() const { return in_iterate; }
 
 private:
+    enum CheckLine : int {
+        kLineBeginIterate = 539,
+        kLineEndIterate = 547,
+        kLineHeadHasNoPrev = 581,
+        kLinePrevLinksBack = 584,
+        kLineNextLinksBack = 585,
+        kLineDeadMatchesChain = 590,
+        kLineDeadIsMarked = 595,
+        kLineDeadIsLinked = 599,
+    };
+
+    static void Check(bool ok, const char* condition, int line) {
+        TVPMCheckAssertion(ok, condition, kTVPMPrivateSource, line);
+    }
+
     T* head = nullptr;
     T* dead = nullptr;
     int in_iterate = 0;

@@ -169,19 +169,27 @@ int TVPMDispatchCommandHook(void* inCmdRef, int inDown, int inUp, int inBefore) 
 }
 
 void TVPMCommandRepeatHook() {
-    // Continue calls may reach handlers that begin or end commands, so the held
-    // commands are collected first and re-checked before each call. The scratch
-    // list keeps its capacity between frames.
+    // Continue calls may reach handlers that begin or end commands or disable
+    // plugins, so the held commands are collected first, and each plugin's
+    // state and each command are re-checked when the pass reaches them. The
+    // scratch list keeps its capacity between frames.
     static std::vector<std::pair<TVPMPluginID, TVPMCommandRef>> s_toRepeat;
     static bool s_repeating = false;
     if (s_repeating) return;
     s_repeating = true;
     s_toRepeat.clear();
     for (const auto& entry : gCommandMap)
-        if (TVPMIsPluginEnabled(entry.first))
-            for (TVPMCommandRef cmd : entry.second) s_toRepeat.emplace_back(entry.first, cmd);
-    for (const auto& held : s_toRepeat)
-        if (IsHeldBy(held.first, held.second)) gHooks->TVPMDoCommandContinue_f(held.second);
+        for (TVPMCommandRef cmd : entry.second) s_toRepeat.emplace_back(entry.first, cmd);
+    TVPMPluginID plugin = TVPM_NO_PLUGIN_ID;
+    bool pluginEnabled = false;
+    for (const auto& held : s_toRepeat) {
+        if (held.first != plugin) {  // -1 never is enabled
+            plugin = held.first;
+            pluginEnabled = TVPMIsPluginEnabled(plugin) != 0;
+        }
+        if (pluginEnabled && IsHeldBy(held.first, held.second))
+            gHooks->TVPMDoCommandContinue_f(held.second);
+    }
     s_repeating = false;
 }
 

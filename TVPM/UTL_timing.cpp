@@ -10,7 +10,10 @@ std::vector<TVPMPluginID> s_plugin_times_ids;
 std::vector<TVPMPluginCallbackType> s_plugin_times_types;
 std::vector<double> s_plugin_times_microseconds;
 
+// Assertion reports name this file and fixed lines, like the resource lists.
 constexpr const char* kTimingSource = "UTL_timing.cpp";
+constexpr int kLineTypesMatch = 10;
+constexpr int kLineDurationsMatch = 11;
 }  // namespace
 
 void StCallbackTimer::record(TVPMPluginID plugin, TVPMPluginCallbackType type, uint64_t elapsed) {
@@ -20,12 +23,12 @@ void StCallbackTimer::record(TVPMPluginID plugin, TVPMPluginCallbackType type, u
 }
 
 void StCallbackTimer::get_plugin_timings(tvpm_plugin_time_callback* callback) {
-    if (s_plugin_times_ids.size() != s_plugin_times_types.size() || !TVPMHasAssertHandler())
-        TVPMFailAssertion("s_plugin_times_ids.size() == s_plugin_times_types.size()",
-                          kTimingSource, 10);
-    if (s_plugin_times_ids.size() != s_plugin_times_microseconds.size() || !TVPMHasAssertHandler())
-        TVPMFailAssertion("s_plugin_times_ids.size() == s_plugin_times_microseconds.size()",
-                          kTimingSource, 11);
+    TVPMCheckAssertion(s_plugin_times_ids.size() == s_plugin_times_types.size(),
+                       "s_plugin_times_ids.size() == s_plugin_times_types.size()", kTimingSource,
+                       kLineTypesMatch);
+    TVPMCheckAssertion(s_plugin_times_ids.size() == s_plugin_times_microseconds.size(),
+                       "s_plugin_times_ids.size() == s_plugin_times_microseconds.size()",
+                       kTimingSource, kLineDurationsMatch);
     if (callback)
         callback(s_plugin_times_ids.size(), s_plugin_times_ids.data(), s_plugin_times_types.data(),
                  s_plugin_times_microseconds.data());

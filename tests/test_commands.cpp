@@ -1,6 +1,7 @@
 // test_commands.cpp: commands as plugins and the simulator see them: finding and creating, handler chains, held commands, legacy keys and buttons.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -270,6 +271,42 @@ TEST(Commands, HeldCommandRepeatsPausesWhileDisabledAndIsReleasedAtUnload) {
     const bool alphaFirst = t.alpha < t.beta;
     EXPECT_EQ(ends[0].args[0], PtrArg(alphaFirst ? kCmd : kOther));
     EXPECT_EQ(ends[1].args[0], PtrArg(alphaFirst ? kOther : kCmd));
+}
+
+TEST(Commands, APluginDisabledDuringTheRepeatPassIsNotRepeatedInIt) {
+    TwoPlugins t;
+    // The map is walked in ascending ID: the first plugin's repeat disables the second.
+    static TVPMPluginID s_second;
+    const TVPMPluginID first = std::min(t.alpha, t.beta);
+    s_second = std::max(t.alpha, t.beta);
+    const std::string firstKey = first == t.alpha ? "alpha.tvp" : "beta.tvp";
+    const std::string secondKey = first == t.alpha ? "beta.tvp" : "alpha.tvp";
+    RunAs(firstKey, [] { TVPMCommandBegin(kCmd); });
+    RunAs(secondKey, [] { TVPMCommandBegin(kOther); });
+    t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) {
+        if (cmd == kCmd) TVPMDisablePlugin(s_second);
+    });
+    t.host.ClearCalls();
+    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
+    auto repeats = t.host.CallsTo("TVPMDoCommandContinue_f");
+    ASSERT_EQ(repeats.size(), 1u);
+    EXPECT_EQ(repeats[0].args[0], PtrArg(kCmd));
+}
+
+TEST(Commands, HeldCommandsRepeatOnTheRepeatEventAndButtonsOnTheFrame) {
+    TwoPlugins t;
+    RunAs("alpha.tvp", [] {
+        TVPMCommandBegin(kCmd);
+        TVPMCommandButtonPress(4);
+    });
+    t.host.ClearCalls();
+    t.host.RunFrame();
+    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u);
+    EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 1u);
+    t.host.ClearCalls();
+    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
+    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 1u);
+    EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 0u);
 }
 
 TEST(Commands, HeldCommandsAreASet) {

@@ -334,6 +334,25 @@ TEST(Menus, OnlyTheCreatorClearsOrDestroysAMenu) {
     EXPECT_EQ(TVPMMenuItemEnabled(102, 0), 1);
 }
 
+TEST(Menus, AShortHostTableNeverHasAMenuDestroyedButUnloadStillDoes) {
+    MenuHost t;
+    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
+    t.Append("alpha.tvp", tools, "first");
+    t.Create("alpha.tvp", "Kept", nullptr, 0, nullptr);
+    const intptr_t kept = s_nextMenu - 1;
+    t.host.hooks.structSize = 1312;
+    t.host.ClearCalls();
+    RunAs("alpha.tvp", [tools] { TVPMDestroyMenu(tools); });
+    EXPECT_EQ(t.host.SlotSequence(), (std::vector<std::string>{"TVPMRemoveMenuItem_f"}));
+    EXPECT_EQ(t.Append("alpha.tvp", tools, "late"), -1) << "forgotten all the same";
+
+    t.host.ClearCalls();
+    t.host.Shutdown();
+    auto destroyed = t.host.CallsTo("TVPMDestroyMenu_f");
+    ASSERT_EQ(destroyed.size(), 1u);
+    EXPECT_EQ(destroyed[0].args, Args({std::to_string(kept)}));
+}
+
 TEST(Menus, AnyPluginClearsItsOwnItemsFromThePluginsMenuOnly) {
     MenuHost t;
     TVPMMenuID plugins = TVPMFindPluginsMenu();

@@ -6,8 +6,9 @@
  * items in that menu, in menu order: in a shared menu every plugin sees its
  * items numbered from 0, whatever other plugins added.
  *
- * An unknown menu or an item index the plugin does not have is reported to
- * the current plugin's error callback, and the call changes nothing.
+ * In the calls that take an item index, an unknown menu or an index the
+ * plugin does not have is reported to the current plugin's error callback,
+ * and the call changes nothing.
  *
  * Every function here is [plugin-thread] and acts for the [current plugin].
  * Terms are defined in TVPMDefs.h.

@@ -25,18 +25,21 @@ extern "C" {
 
 /* ---- Finding plugins -------------------------------------------------- */
 
-/* The ID of the calling plugin [current plugin]. */
+/* The ID of the calling plugin [current plugin]: 0 when the simulator itself
+ * is calling. */
 TVPM_API TVPMPluginID TVPMGetMyID(void);
 /* Number of loaded plugins, the simulator's own entry included. */
 TVPM_API int TVPMCountPlugins(void);
-/* The ID of the nth plugin, 0 <= inIndex < TVPMCountPlugins(). */
+/* The ID of the nth plugin, 0 <= inIndex < TVPMCountPlugins(). IDs are
+ * indices, so this returns inIndex unchanged (no range check). */
 TVPM_API TVPMPluginID TVPMGetNthPlugin(int inIndex);
-/* The plugin loaded from exactly this library path, or TVPM_NO_PLUGIN_ID. */
+/* The plugin loaded from exactly this library path (first match in ID order),
+ * or TVPM_NO_PLUGIN_ID. */
 TVPM_API TVPMPluginID TVPMFindPluginByPath(const char* inPath);
 /* The plugin with exactly this signature, or TVPM_NO_PLUGIN_ID. */
 TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* inSignature);
 /* Copies name, library path, signature and description into the non-null
- * buffers [caller-buffer]. */
+ * buffers [caller-buffer]; an invalid ID leaves every buffer untouched. */
 TVPM_API void TVPMGetPluginInfo(TVPMPluginID inPlugin, char* outName, char* outFilePath,
                                 char* outSignature, char* outDescription);
 
@@ -58,14 +61,20 @@ TVPM_API void TVPMReloadACFPlugins(void);
 /* ---- Messages ----------------------------------------------------------- */
 
 /* Calls the message entry of one plugin, or of every plugin (and the
- * simulator) for TVPM_NO_PLUGIN_ID, synchronously; disabled plugins miss it. */
+ * simulator) for TVPM_NO_PLUGIN_ID, synchronously and in ID order; disabled
+ * plugins miss it. The receiver sees the [current plugin] as sender and gets
+ * inParam unchanged; it is the receiver's current plugin during the call. An
+ * ID below TVPM_NO_PLUGIN_ID or past the last plugin is ignored. */
 TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID inPlugin, int inMessage, void* inParam);
 
 /* ---- Errors --------------------------------------------------------------- */
 
-/* Receives a description of a misuse of the interface by this plugin. */
+/* Receives a description of a misuse of the interface by this plugin; the
+ * text is only valid during the call. */
 typedef void (*TVPMError_f)(const char* inMessage);
-/* Installs the calling plugin's error callback; null switches reports off. */
+/* Installs the error callback of the [current plugin], which then receives
+ * reports of its misuse of the interface; null switches reports off (and some
+ * functions then skip their argument checks). */
 TVPM_API void TVPMSetErrorCallback(TVPMError_f inCallback);
 
 /* ---- Features ------------------------------------------------------------- */
@@ -75,11 +84,16 @@ typedef void (*TVPMFeatureEnumerator_f)(const char* inFeature, void* inRef);
 
 /* 1 when this version of TVPM knows the feature (names are case-sensitive). */
 TVPM_API int TVPMHasFeature(const char* inFeature);
-/* The value the calling plugin set for the feature (0 until set). */
+/* The value the [current plugin] set for the feature, 0 until set. An unknown
+ * name is reported to the error callback (as a TVPMEnableFeature misuse) and
+ * gives 0. */
 TVPM_API int TVPMIsFeatureEnabled(const char* inFeature);
-/* Sets the calling plugin's value for the feature; any non-zero value is on. */
+/* Sets the [current plugin]'s value for the feature; the value is kept as
+ * given and any non-zero value is on. Kept while the plugin is disabled, lost
+ * when it is unloaded. An unknown name is reported to the error callback. */
 TVPM_API void TVPMEnableFeature(const char* inFeature, int inEnable);
-/* Calls inEnumerator once for each known feature name. */
+/* Calls inEnumerator once for each known feature name [static-text], in a
+ * fixed order, passing inRef unchanged. */
 TVPM_API void TVPMEnumerateFeatures(TVPMFeatureEnumerator_f inEnumerator, void* inRef);
 
 #ifdef __cplusplus

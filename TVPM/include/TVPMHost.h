@@ -343,9 +343,11 @@ typedef void tvpm_plugin_time_callback(uint64_t inCount, const TVPMPluginID* inI
  * forgets them. Meant to be called once per frame. */
 TVPM_API void TVPMGetPluginCallbackTimings(tvpm_plugin_time_callback* callback);
 
-/* The plugin that called into the simulator: copies its name and signature
- * (256 bytes each, either may be null) and returns its ID; for no valid
- * plugin the buffers are untouched and the raw ID is returned. */
+/* The client plugin: the one that was current when the running plugin was
+ * entered (0 when the simulator itself called it; plugin A when A sent the
+ * running plugin a message). Copies its name and signature (strncpy of 256
+ * bytes each; either buffer may be null) and returns its ID; for an ID that
+ * is not a plugin the buffers are untouched and the raw ID is returned. */
 TVPM_API int TVPMGetCurrentPluginInfo(char* outPluginName, char* outPluginSignature);
 /* The same for the plugin that controls the AI aircraft. */
 TVPM_API int TVPMGetTrafficControlPluginInfo(char* outPluginName, char* outPluginSignature);

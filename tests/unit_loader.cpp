@@ -1,0 +1,341 @@
+// unit_loader.cpp: the loader's internal machinery: deferred deliveries across enable and unload, dispatch scopes, plugin warnings.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "../TVPM/TVPMDLLUtils.cpp"
+#include "../TVPM/TVPMLoader.cpp"
+#include "../TVPM/TVPMLoaderContext.cpp"
+#include "../TVPM/TVPMLoaderLifecycle.cpp"
+
+// ---- the rest of the library, as recording stand-ins ------------------------------------
+
+TVPMHooks* gHooks = nullptr;
+void* gSelf = nullptr;
+char gDirSeparator[2] = {'/', 0};
+pthread_t gPluginThread;
+TVPMPluginID gPendingWeatherUpdate = -1;
+std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
+
+namespace {
+std::vector<std::string> s_journal;
+std::string s_log;
+
+void Note(const std::string& what, TVPMPluginID id) {
+    s_journal.push_back(what + " " + std::to_string(id));
+}
+}  // namespace
+
+void TVPMDebugString(const char* text) { s_log += text; }
+void TVPMFindAndLoadPlugins(const char*) {}
+void TVPMFindAndLoadAcfPlugins(const char*) {}
+void TVPMDisplayEnableHook(TVPMPluginID id) { Note("display-enable", id); }
+void TVPMInstanceEnableHook(TVPMPluginID id) { Note("instance-enable", id); }
+void TVPMWeatherEnableHook(TVPMPluginID id) { Note("weather-enable", id); }
+void TVPMDisplaySyncGuiWindowStateWithPluginHook(TVPMPluginID id, int state) {
+    Note("sync-windows(" + std::to_string(state) + ")", id);
+}
+void TVPMDisplayDisablePrePluginDisableHook(TVPMPluginID id) { Note("display-pre-disable", id); }
+void TVPMInstanceDisableHook(TVPMPluginID id) { Note("instance-disable", id); }
+void TVPMCameraDisableHook(TVPMPluginID id) { Note("camera-disable", id); }
+void TVPMPlaneDisableHook(TVPMPluginID id) { Note("plane-disable", id); }
+void TVPMDisplayDisablePostPluginDisableHook(TVPMPluginID id) { Note("display-post-disable", id); }
+void TVPMFMODDisableHook(TVPMPluginID id) { Note("fmod-disable", id); }
+void TVPMWeatherDisableHook(TVPMPluginID id) { Note("weather-disable", id); }
+void TVPMCommandCleanupHook(TVPMPluginID id) { Note("command-cleanup", id); }
+void TVPMDisplayCleanupHook(TVPMPluginID id) { Note("display-cleanup", id); }
+void TVPMInstanceCleanupHook(TVPMPluginID id) { Note("instance-cleanup", id); }
+void TVPMProcessingCleanupHook(TVPMPluginID id) { Note("processing-cleanup", id); }
+void TVPMCameraCleanupHook(TVPMPluginID id) { Note("camera-cleanup", id); }
+void TVPMMenuCleanupHook(TVPMPluginID id) { Note("menu-cleanup", id); }
+void TVPMPlaneCleanupHook(TVPMPluginID id) { Note("plane-cleanup", id); }
+void TVPMDataRefsCleanupHook(TVPMPluginID id) { Note("datarefs-cleanup", id); }
+void TVPMSceneryCleanupHook(TVPMPluginID id) { Note("scenery-cleanup", id); }
+void TVPMFMODCleanupHook(TVPMPluginID id) { Note("fmod-cleanup", id); }
+void TVPMWeatherCleanupHook(TVPMPluginID id) {
+    Note("weather-cleanup", id);
+    gPendingWeatherUpdate = -1;
+}
+
+namespace {
+
+// ---- a plugin made of plain functions ------------------------------------------------
+
+int s_enableResult = 1;
+std::vector<std::string> s_errors;
+
+int PluginEnable() {
+    Note("enable as", TVPMGetMyID());
+    return s_enableResult;
+}
+void PluginDisable() { Note("disable as", TVPMGetMyID()); }
+void PluginStop() { Note("stop as", TVPMGetMyID()); }
+void PluginError(const char* text) { s_errors.push_back(text); }
+
+int s_liveDeliveries = 0;
+
+class Result : public TVPMDelivery {
+public:
+    Result(const std::string& tag, TVPMPluginID to) : tag_(tag) {
+        plugin = to;
+        ++s_liveDeliveries;
+    }
+    ~Result() override { --s_liveDeliveries; }
+    void DeliverToPlugin(bool targetGone) override {
+        Note(tag_ + (targetGone ? " released" : " delivered as"), TVPMGetMyID());
+        delete this;
+    }
+
+private:
+    std::string tag_;
+};
+
+class Loader : public ::testing::Test {
+protected:
+    void SetUp() override {
+        gHooks = &hooks;
+        gPluginThread = pthread_self();
+        gAllPlugins.clear();
+        gAllPlugins.emplace_back();  // the simulator's own record
+        gAllPlugins[0].name = "simulator";
+        gAllPlugins[0].enabled = true;
+        PluginRecord& p = gAllPlugins.emplace_back();
+        p.dllRef = dlopen(nullptr, RTLD_NOW);  // any open library stands in for the plugin's
+        p.name = "Alpha";
+        p.signature = "test.alpha";
+        p.enableFunc = PluginEnable;
+        p.disableFunc = PluginDisable;
+        p.exitFunc = PluginStop;
+        p.errorFunc = PluginError;
+        TVPMSetDispatchedPlugin(0);
+        TVPMSetClientPlugin(0);
+        s_enableResult = 1;
+        s_journal.clear();
+        s_errors.clear();
+        s_log.clear();
+        s_liveDeliveries = 0;
+    }
+    void TearDown() override {
+        while (TVPMDelivery* d = orphaned.first()) {
+            d->Unlink();
+            d->DeliverToPlugin(true);
+        }
+        for (PluginRecord& r : gAllPlugins)
+            for (TVPMDeliveryHead* q : {&r.pending, &r.outstanding})
+                while (TVPMDelivery* d = q->first()) {
+                    d->Unlink();
+                    d->DeliverToPlugin(true);
+                }
+        gAllPlugins.clear();
+        EXPECT_EQ(s_liveDeliveries, 0);
+        gHooks = nullptr;
+    }
+    void EnableAlpha() {
+        ASSERT_EQ(TVPMEnablePlugin(1), 1);
+        s_journal.clear();
+    }
+
+    TVPMHooks hooks{};
+};
+
+using Journal = std::vector<std::string>;
+
+}  // namespace
+
+TEST_F(Loader, FinishedWorkReachesAnEnabledPluginAtOnceWithThePluginCurrent) {
+    EnableAlpha();
+    Result* d = new Result("result", 1);
+    TVPMQueueDelivery(d);
+    EXPECT_EQ(gAllPlugins[1].outstanding.first(), d);
+    TVPMSendDelivery(d);
+    EXPECT_EQ(s_journal, (Journal{"result delivered as 1"}));
+    EXPECT_TRUE(gAllPlugins[1].outstanding.empty());
+    EXPECT_EQ(TVPMGetMyID(), 0);
+}
+
+TEST_F(Loader, FinishedWorkWaitsForADisabledPluginAndArrivesBeforeTheWindowSync) {
+    Result* first = new Result("first", 1);
+    Result* second = new Result("second", 1);
+    TVPMQueueDelivery(first);
+    TVPMQueueDelivery(second);
+    TVPMSendDelivery(first);
+    TVPMSendDelivery(second);
+    EXPECT_TRUE(s_journal.empty());
+    EXPECT_TRUE(gAllPlugins[1].outstanding.empty());
+    EXPECT_EQ(s_liveDeliveries, 2);
+
+    EXPECT_EQ(TVPMEnablePlugin(1), 1);
+    // Each finished delivery was put at the front of the queue: the later one comes first.
+    EXPECT_EQ(s_journal, (Journal{"display-enable 1", "instance-enable 1", "enable as 1",
+                                  "weather-enable 1", "second delivered as 1",
+                                  "first delivered as 1", "sync-windows(1) 1"}));
+    EXPECT_EQ(TVPMGetMyID(), 0);
+    EXPECT_TRUE(gAllPlugins[1].pending.empty());
+}
+
+TEST_F(Loader, PendingWorkStaysQueuedWhenThePluginRefusesToEnable) {
+    Result* d = new Result("result", 1);
+    TVPMQueueDelivery(d);
+    TVPMSendDelivery(d);
+    s_enableResult = 0;
+    EXPECT_EQ(TVPMEnablePlugin(1), 0);
+    EXPECT_EQ(s_journal,
+              (Journal{"display-enable 1", "instance-enable 1", "enable as 1", "sync-windows(0) 1"}));
+    EXPECT_EQ(gAllPlugins[1].pending.first(), d);
+    s_journal.clear();
+    s_enableResult = 1;
+    EXPECT_EQ(TVPMEnablePlugin(1), 1);
+    EXPECT_EQ(s_journal.at(4), "result delivered as 1");
+}
+
+TEST_F(Loader, DisablingKeepsLaterResultsForTheNextEnable) {
+    EnableAlpha();
+    TVPMDisablePlugin(1);
+    Result* d = new Result("result", 1);
+    TVPMQueueDelivery(d);
+    TVPMSendDelivery(d);
+    EXPECT_EQ(s_journal.size(), 8u);  // the disable transition only
+    s_journal.clear();
+    TVPMEnablePlugin(1);
+    EXPECT_EQ(s_journal.at(4), "result delivered as 1");
+}
+
+TEST_F(Loader, UnloadOrphansWorkInFlightAndReleasesWorkNotYetHandedOver) {
+    Result* inFlight = new Result("in-flight", 1);
+    Result* waiting = new Result("waiting", 1);
+    TVPMQueueDelivery(inFlight);
+    TVPMQueueDelivery(waiting);
+    TVPMSendDelivery(waiting);  // disabled: pending
+    UnloadOnePlugin(1);
+    ASSERT_GE(s_journal.size(), 2u);
+    EXPECT_EQ(s_journal[0], "waiting released 0");  // before the plugin's own stop
+    EXPECT_EQ(s_journal[1], "stop as 1");
+    EXPECT_EQ(orphaned.first(), inFlight);
+    EXPECT_EQ(inFlight->plugin, TVPM_NO_PLUGIN_ID);
+    EXPECT_EQ(s_liveDeliveries, 1);
+
+    s_journal.clear();
+    TVPMSendDelivery(inFlight);  // the work finishes after its plugin is gone
+    EXPECT_EQ(s_journal, (Journal{"in-flight released 0"}));
+    EXPECT_TRUE(orphaned.empty());
+}
+
+TEST_F(Loader, QueueingForAnInvalidPluginReportsToTheCurrentPlugin) {
+    Result d("stray", 7);
+    {
+        StDispatchCallback scope(1);
+        TVPMQueueDelivery(&d);
+    }
+    EXPECT_EQ(s_errors,
+              (std::vector<std::string>{
+                  "Internal error: async queue pending but the plugin ID is invalid."}));
+    EXPECT_EQ(d.next, nullptr);
+    TVPMQueueDelivery(&d);  // the simulator has no error callback
+    EXPECT_EQ(s_errors.size(), 1u);
+    TVPMSendDelivery(new Result("unknown", 7));
+    EXPECT_EQ(s_journal, (Journal{"unknown released 0"}));
+}
+
+TEST_F(Loader, DispatchScopesNestAndRestoreEvenForPluginsThatMayNotBeCalled) {
+    EnableAlpha();
+    {
+        StDispatchCallback alpha(1);
+        EXPECT_TRUE(alpha());
+        EXPECT_EQ(TVPMGetDispatchedPlugin(), 1);
+        EXPECT_EQ(TVPMGetClientPlugin(), 0);
+        {
+            StDispatchCallback missing(7);
+            EXPECT_FALSE(missing());
+            EXPECT_EQ(TVPMGetDispatchedPlugin(), 7);
+            EXPECT_EQ(TVPMGetClientPlugin(), 1);
+            EXPECT_STREQ(DebugCurrentPluginName(), "[Bad plugin ID high]");
+        }
+        EXPECT_EQ(TVPMGetDispatchedPlugin(), 1);
+        EXPECT_EQ(TVPMGetClientPlugin(), 0);
+        EXPECT_STREQ(DebugCurrentPluginName(), "Alpha");
+        EXPECT_STREQ(DebugCurrentPluginSignature(), "test.alpha");
+    }
+    TVPMDisablePlugin(1);
+    StDispatchCallback disabled(1);
+    EXPECT_FALSE(disabled());
+}
+
+TEST_F(Loader, DebugNamesForSpecialIDs) {
+    const std::pair<TVPMPluginID, const char*> cases[] = {{-1, "[NO_PLUGIN_ID]"},
+                                                          {0, "[TVPM_PLUGIN_TORVANE]"},
+                                                          {-2, "[Bad plugin ID low]"},
+                                                          {2, "[Bad plugin ID high]"}};
+    for (const auto& [id, text] : cases) {
+        StDispatchCallback scope(id);
+        EXPECT_STREQ(DebugCurrentPluginName(), text);
+        EXPECT_STREQ(DebugCurrentPluginSignature(), text);
+        EXPECT_STREQ(TVPMDebugGetCurrentPluginName(), text);
+    }
+}
+
+TEST_F(Loader, WithAnEmptyTableOnlyTheSimulatorMayBeCalled) {
+    gAllPlugins.clear();
+    EXPECT_TRUE(StDispatchCallback(0)());
+    EXPECT_FALSE(StDispatchCallback(1)());
+    EXPECT_FALSE(StDispatchCallback(-1)());
+}
+
+TEST_F(Loader, AnUpdateLeftOpenByACallbackIsClosedAndReported) {
+    EnableAlpha();
+    {
+        StDispatchCallback scope(1);
+        gPendingWeatherUpdate = 1;
+    }
+    EXPECT_EQ(s_journal, (Journal{"weather-cleanup 1"}));
+    EXPECT_EQ(s_log,
+              "[Alpha]: TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate() "
+              "from the same callback. This is a plugin bug.\n");
+    EXPECT_EQ(s_errors, (std::vector<std::string>{"TVPMBeginWeatherUpdate() called without "
+                                                  "matching TVPMEndWeatherUpdate()"}));
+    EXPECT_EQ(TVPMGetMyID(), 0);
+
+    s_log.clear();
+    {
+        StDispatchCallback scope(9);
+        gPendingWeatherUpdate = 9;
+    }
+    EXPECT_EQ(s_log.rfind("[unknown]: TVPMBeginWeatherUpdate()", 0), 0u);
+    EXPECT_EQ(s_errors.size(), 1u);
+}
+
+TEST_F(Loader, PluginWarningsNameTheCurrentPlugin) {
+    {
+        StDispatchCallback scope(1);
+        TVPMLogPluginWarning("careful");
+    }
+    TVPMSetDispatchedPlugin(-1);
+    TVPMLogPluginWarning("who?");
+    TVPMSetDispatchedPlugin(0);
+    EXPECT_EQ(s_log, "[Alpha]: careful\n[unknown]: who?\n");
+    EXPECT_TRUE(s_errors.empty());
+}
+
+TEST_F(Loader, ErrorsGoOnlyToAValidCurrentPluginThatListens) {
+    EXPECT_EQ(TVPMHasError(), 0);  // the simulator installed no callback
+    {
+        StDispatchCallback scope(1);
+        EXPECT_EQ(TVPMHasError(), 1);
+        TVPMSendError("first");
+        TVPMSetErrorCallback(nullptr);
+        EXPECT_EQ(TVPMHasError(), 0);
+        TVPMSendError("lost");
+        TVPMSetErrorCallback(PluginError);
+    }
+    TVPMSendErrorTo("second", 1);
+    TVPMSendErrorTo("nobody", 5);
+    TVPMSendErrorTo("nobody", -1);
+    {
+        StDispatchCallback scope(-1);
+        EXPECT_EQ(TVPMHasError(), 0);
+        TVPMSetErrorCallback(PluginError);  // no plugin to install it for
+        TVPMSendError("nobody");
+    }
+    EXPECT_EQ(gAllPlugins[0].errorFunc, nullptr);
+    EXPECT_EQ(s_errors, (std::vector<std::string>{"first", "second"}));
+}
