@@ -84,8 +84,13 @@ inline bool TVPMDisplayPluginEnabled(TVPMPluginID id) {
     return r && r->enabled;
 }
 
+// True while the ID names a live window of gWindows.
+bool TVPMWindowIsValid(TVPMWindowID id);
+
 // The live window with this ID, or null.
-TVPMWindow* TVPMFindWindow(TVPMWindowID id);
+inline TVPMWindow* TVPMFindWindow(TVPMWindowID id) {
+    return TVPMWindowIsValid(id) ? static_cast<TVPMWindow*>(id) : nullptr;
+}
 
 // Takes focus away from the focused window, if any (see TVPMTakeKeyboardFocus).
 void TVPMDisplayTakeFocus(TVPMWindowID id);

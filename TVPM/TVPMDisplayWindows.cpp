@@ -52,11 +52,32 @@ void TellHostFocus(TVPMWindow* w) {
                                       w && w->isGuiBacked ? w : nullptr);
 }
 
+// The window whose focus-loss call is running, if any.
+TVPMWindow* s_windowBeingToldOfLoss = nullptr;
+
+class StTellingOfLoss {
+public:
+    explicit StTellingOfLoss(TVPMWindow* w) : outer(s_windowBeingToldOfLoss) {
+        s_windowBeingToldOfLoss = w;
+    }
+    ~StTellingOfLoss() { s_windowBeingToldOfLoss = outer; }
+    StTellingOfLoss(const StTellingOfLoss&) = delete;
+    StTellingOfLoss& operator=(const StTellingOfLoss&) = delete;
+
+private:
+    TVPMWindow* outer;
+};
+
 // The focus-loss call: the window argument is the window taking the focus.
+// The losing window keeps the focus while it is told, so a window that
+// destroys or hides itself in this call starts a hand-over of its own; that
+// one must not tell it again, or the two would never end.
 void TellWindowItLosesFocus(TVPMWindow* losing, TVPMWindow* taking) {
+    if (losing == s_windowBeingToldOfLoss) return;
     StDispatchCallback scope(losing->plugin);
-    if (scope() && losing->keyCallback)
-        losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1);
+    if (!scope() || !losing->keyCallback) return;
+    StTellingOfLoss telling(losing);
+    losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1);
 }
 
 TVPMWindow* NewWindow(int visible, TVPMDrawWindow_f draw, TVPMHandleKey_f key,
@@ -98,11 +119,11 @@ TVPMWindow* TVPMWindowWalk::Next() {
     return nullptr;
 }
 
-TVPMWindow* TVPMFindWindow(TVPMWindowID id) {
-    if (!id) return nullptr;
+bool TVPMWindowIsValid(TVPMWindowID id) {
+    if (!id) return false;
     for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
-        if (w == id && !w->is_dead()) return w;
-    return nullptr;
+        if (w == id) return !w->is_dead();
+    return false;
 }
 
 // ---- Focus and destruction ------------------------------------------------------------
@@ -112,14 +133,10 @@ void TVPMDisplayTakeFocus(TVPMWindowID id) {
     TVPMWindow* w = TVPMFindWindow(id);
     if (w == gFocusWindow) return;
     if (w && !TVPMDisplayPluginEnabled(w->plugin)) return;
-    if (TVPMWindow* losing = gFocusWindow) {
-        // Cleared first, so that the losing window's callback cannot start
-        // this same hand-over again.
-        gFocusWindow = nullptr;
-        TellWindowItLosesFocus(losing, w);
-        if (gFocusWindow) return;  // the callback already gave the focus elsewhere
-        if (w && w->is_dead()) w = nullptr;
-    }
+    if (gFocusWindow) TellWindowItLosesFocus(gFocusWindow, w);
+    // Whatever the losing window did meanwhile, the focus goes where it was
+    // asked to, unless that window is gone.
+    if (w && w->is_dead()) w = nullptr;
     gFocusWindow = w;
     TellHostFocus(w);
 }
@@ -128,10 +145,6 @@ void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
     StWindowListHold hold;
     if (w == gFocusWindow) TVPMDisplayTakeFocus(nullptr);
     if (w->is_dead()) return;  // its own focus-loss callback destroyed it
-    if (w == gFocusWindow) {   // ... or gave it the focus back
-        gFocusWindow = nullptr;
-        TellHostFocus(nullptr);
-    }
     if (w == gDragWindow) TVPMDisplayClearDrag();
     if (w->isGuiBacked) gHooks->TVPMDestroyGuiPluginWindow_f(w);
     gWindows.Remove(w);

@@ -7,7 +7,7 @@
 #include "TVPMDLLUtils.h"
 #include "TVPMPrivate.h"
 
-std::deque<PluginRecord> gAllPlugins;
+TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPMDeliveryHead orphaned;

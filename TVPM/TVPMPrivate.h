@@ -4,7 +4,7 @@
 #include <pthread.h>
 
 #include <cstddef>
-#include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -90,9 +90,48 @@ struct PluginRecord {
     TVPMDeliveryHead pending;
 };
 
-// Indexed by TVPMPluginID. A deque, so that records (and the delivery queue
-// heads inside them) never move while plugins are appended or trimmed.
-extern std::deque<PluginRecord> gAllPlugins;
+// The plugin table, indexed by TVPMPluginID. Records are held by pointer so
+// that they (and the delivery queue heads inside them) never move while
+// plugins are appended or trimmed, and so that finding a record on the hot
+// paths is one indexed load.
+class TVPMPluginTable {
+public:
+    size_t size() const { return records_.size(); }
+    bool empty() const { return records_.empty(); }
+    PluginRecord& operator[](size_t id) const { return *records_[id]; }
+    PluginRecord& back() const { return *records_.back(); }
+    PluginRecord& emplace_back() {
+        records_.push_back(std::make_unique<PluginRecord>());
+        return *records_.back();
+    }
+    void pop_back() { records_.pop_back(); }
+    void clear() { records_.clear(); }
+    void resize(size_t n) {
+        while (records_.size() > n) records_.pop_back();
+        while (records_.size() < n) emplace_back();
+    }
+
+    class iterator {
+    public:
+        explicit iterator(const std::unique_ptr<PluginRecord>* p) : p_(p) {}
+        PluginRecord& operator*() const { return **p_; }
+        iterator& operator++() {
+            ++p_;
+            return *this;
+        }
+        bool operator!=(const iterator& o) const { return p_ != o.p_; }
+
+    private:
+        const std::unique_ptr<PluginRecord>* p_;
+    };
+    iterator begin() const { return iterator(records_.data()); }
+    iterator end() const { return iterator(records_.data() + records_.size()); }
+
+private:
+    std::vector<std::unique_ptr<PluginRecord>> records_;
+};
+
+extern TVPMPluginTable gAllPlugins;
 
 // The plugin being called now (0 the host, -1 none) and the one that was
 // current when it was entered.
@@ -302,9 +341,32 @@ public:
         return tail;
     }
 
+    // A walk in progress: where it goes next. Registered walks have their
+    // cursor stepped past a record that MoveToFront takes out from under them.
+    struct Cursor {
+        T* next = nullptr;
+        bool backwards = false;
+        Cursor* outer = nullptr;
+    };
+    void Attach(Cursor* c) {
+        c->outer = walkers;
+        walkers = c;
+    }
+    void Detach(Cursor* c) {
+        for (Cursor** link = &walkers; *link; link = &(*link)->outer)
+            if (*link == c) {
+                *link = c->outer;
+                return;
+            }
+    }
+
+    // Re-links a live record at the head. A dead record stays where it is: it
+    // is still chained for purging.
     void MoveToFront(T* r) {
         Validate();
-        if (r != head) {
+        if (r != head && !r->is_dead()) {
+            for (Cursor* c = walkers; c; c = c->outer)
+                if (c->next == r) c->next = c->backwards ? r->get_prev() : r->get_next();
             R::TVPMRemoveResource(head, dead, r, false);
             R::TVPMAddResource(head, dead, r);
         }
@@ -365,49 +427,48 @@ private:
     T* dead = nullptr;
     int in_iterate = 0;
     bool needs_clean = false;
+    Cursor* walkers = nullptr;
 };
 
-// Brackets a forward walk so that every exit path ends it (and purges).
-// Usage: for (TVPMWalk<T> w(list); T* r = w.Next();) { ... }
-template <class T>
-class TVPMWalk {
-public:
-    explicit TVPMWalk(TVPMResourceList<T>& l) : list(l), cur(l.BeginIterate()) {}
-    ~TVPMWalk() { list.EndIterate(); }
-    TVPMWalk(const TVPMWalk&) = delete;
-    TVPMWalk& operator=(const TVPMWalk&) = delete;
+// Brackets a walk so that every exit path ends it (and purges), and keeps its
+// cursor valid when callbacks re-link records. Forward walks go head to tail
+// (newest or front-most first); records added during a walk land at the head
+// and are not reached. Usage: for (TVPMWalk<T> w(list); T* r = w.Next();) { ... }
+template <class T, bool Backwards>
+class TVPMListWalk {
+    using Cursor = typename TVPMResourceList<T>::Cursor;
 
-    // The next live record, or null at the end. Records added during the walk
-    // land at the head and are not reached.
+public:
+    explicit TVPMListWalk(TVPMResourceList<T>& l) : list(l) {
+        cursor.next = Backwards ? l.BeginReverseIterate() : l.BeginIterate();
+        cursor.backwards = Backwards;
+        list.Attach(&cursor);
+    }
+    ~TVPMListWalk() {
+        list.Detach(&cursor);
+        list.EndIterate();
+    }
+    TVPMListWalk(const TVPMListWalk&) = delete;
+    TVPMListWalk& operator=(const TVPMListWalk&) = delete;
+
+    // The next live record, or null at the end.
     T* Next() {
-        while (cur && cur->is_dead()) cur = cur->get_next();
+        T*& cur = cursor.next;
+        while (cur && cur->is_dead()) cur = Step(cur);
         T* r = cur;
-        if (cur) cur = cur->get_next();
+        if (cur) cur = Step(cur);
         return r;
     }
 
 private:
+    static T* Step(T* r) { return Backwards ? r->get_prev() : r->get_next(); }
+
     TVPMResourceList<T>& list;
-    T* cur;
+    Cursor cursor;
 };
 
-// The same for a walk from the tail (back-most) towards the head (front-most).
 template <class T>
-class TVPMReverseWalk {
-public:
-    explicit TVPMReverseWalk(TVPMResourceList<T>& l) : list(l), cur(l.BeginReverseIterate()) {}
-    ~TVPMReverseWalk() { list.EndIterate(); }
-    TVPMReverseWalk(const TVPMReverseWalk&) = delete;
-    TVPMReverseWalk& operator=(const TVPMReverseWalk&) = delete;
-
-    T* Next() {
-        while (cur && cur->is_dead()) cur = cur->get_prev();
-        T* r = cur;
-        if (cur) cur = cur->get_prev();
-        return r;
-    }
-
-private:
-    TVPMResourceList<T>& list;
-    T* cur;
-};
+using TVPMWalk = TVPMListWalk<T, false>;
+// From the tail (back-most) towards the head (front-most).
+template <class T>
+using TVPMReverseWalk = TVPMListWalk<T, true>;

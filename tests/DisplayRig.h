@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -24,13 +25,23 @@ inline std::function<void()>& PendingRunAs() {
 class DisplayRig {
 public:
     explicit DisplayRig(const std::vector<std::string>& keys) {
+        // Every list self-check runs while a handler is installed: a broken
+        // link or a mis-kept walk count anywhere in a test fails that test.
+        Failures().clear();
+        host.On<&TVPMHooks::TVPMHandleAssertFailed_f>(
+            [](const char* condition, const char*, int line) {
+                Failures().push_back(std::string(condition) + " @" + std::to_string(line));
+            });
         for (const std::string& key : keys) {
             sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
             Runnable(key);
         }
         host.Start(sim.Root());
     }
-    ~DisplayRig() { host.Shutdown(); }
+    ~DisplayRig() {
+        host.Shutdown();
+        EXPECT_EQ(Failures(), std::vector<std::string>{});
+    }
     DisplayRig(const DisplayRig&) = delete;
     DisplayRig& operator=(const DisplayRig&) = delete;
 
@@ -66,6 +77,10 @@ public:
     SimFolder sim;
 
 private:
+    static std::vector<std::string>& Failures() {
+        static std::vector<std::string> failures;
+        return failures;
+    }
     static void Runnable(const std::string& key) {
         Script(key).message = [](TVPMPluginID, int message, void*) {
             if (message != kRunAsMessage) return;

@@ -129,6 +129,9 @@ TEST_F(DrawTest, NeedsHookMatchesTimingOfTheKind) {
     EXPECT_EQ(TVPMNeedsDrawingHook(6, 0), 0);  // another phase
     rig.As("alpha.tvp", [] { TVPMRegisterDrawCallback(Record, tvpm_Phase_LastCockpit, 1, (void*)"y"); });
     EXPECT_EQ(TVPMNeedsDrawingHook(19, 0), 1);  // kind with both timings
+    EXPECT_EQ(TVPMNeedsDrawingHook(14, 0), 0);
+    rig.As("alpha.tvp", [] { TVPMRegisterDrawCallback(Record, tvpm_Phase_FirstCockpit, 0, (void*)"z"); });
+    EXPECT_EQ(TVPMNeedsDrawingHook(14, 0), 1);  // ... also needed by an after callback
 }
 
 TEST_F(DrawTest, ReflectionPassesReachOnlyPluginsWithTheFeature) {
@@ -173,6 +176,27 @@ TEST_F(DrawTest, CallbackUnregisteringItselfIsNotCalledAgainAndTheWalkGoesOn) {
     TVPMDoDrawingHook(8, 0, nullptr);
     EXPECT_EQ(g_calls, (std::vector<std::string>{"newer:20:1", "self", "older:20:1", "newer:20:1",
                                                  "older:20:1"}));
+}
+
+namespace {
+int ReregisterSelf(TVPMDrawingPhase phase, int before, void* refcon) {
+    g_calls.push_back(static_cast<const char*>(refcon));
+    EXPECT_EQ(TVPMUnregisterDrawCallback(ReregisterSelf, phase, before, refcon), 1);
+    // The removed record stays in the list until the walk ends, and it still
+    // counts as the same registration.
+    EXPECT_EQ(TVPMRegisterDrawCallback(ReregisterSelf, phase, before, refcon), 0);
+    return 1;
+}
+}  // namespace
+
+TEST_F(DrawTest, RegistrationRemovedDuringTheWalkStillCountsAsADuplicateUntilItEnds) {
+    rig.As("alpha.tvp", [] { TVPMRegisterDrawCallback(ReregisterSelf, tvpm_Phase_Objects, 1, (void*)"cycle"); });
+    TVPMDoDrawingHook(8, 0, nullptr);
+    TVPMDoDrawingHook(8, 0, nullptr);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"cycle"}));
+    rig.As("alpha.tvp", [] {
+        EXPECT_EQ(TVPMRegisterDrawCallback(ReregisterSelf, tvpm_Phase_Objects, 1, (void*)"cycle"), 1);
+    });
 }
 
 namespace {

@@ -223,6 +223,7 @@ TEST_F(WindowTest, InFrontMeansFirstVisibleFromTheFront) {
         EXPECT_EQ(TVPMIsWindowInFront(back), 0);
         EXPECT_EQ(TVPMIsWindowInFront(gui), 1);
         TVPMSetWindowIsVisible(front, 0);
+        EXPECT_EQ(TVPMIsWindowInFront(front), 0);  // still first in the list, but hidden
         EXPECT_EQ(TVPMIsWindowInFront(back), 1);
         TVPMSetWindowIsVisible(front, 1);
         TVPMBringWindowToFront(back);
@@ -295,8 +296,12 @@ void DestroySelfOnFocusLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int l
     if (losing) TVPMDestroyWindow(g_other);
 }
 void RetakeFocusOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int losing) {
-    g_keys.push_back("retake");
+    g_keys.push_back("retake, focused " + std::to_string(TVPMHasKeyboardFocus(g_other)));
     if (losing) TVPMTakeKeyboardFocus(g_other);
+}
+void HideSelfOnFocusLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int losing) {
+    g_keys.push_back("hiding");
+    if (losing) TVPMSetWindowIsVisible(g_other, 0);
 }
 }  // namespace
 
@@ -340,17 +345,41 @@ TEST_F(WindowTest, WindowTakingFocusDestroyedByTheLosingWindowLeavesNoFocus) {
     EXPECT_EQ(g_keys, (std::vector<std::string>{"destroying"}));
 }
 
-TEST_F(WindowTest, LosingWindowThatTakesFocusBackWinsWithoutLooping) {
+TEST_F(WindowTest, LosingWindowKeepsTheFocusWhileToldButCannotHoldOnToIt) {
     TVPMWindowID target = rig.Window("alpha.tvp", 0, 10, 10, 0, nullptr, RecordKey, nullptr, (void*)"t");
     g_other = rig.Window("alpha.tvp", 0, 10, 10, 0, nullptr, RetakeFocusOnLoss);
     rig.As("alpha.tvp", [&] {
         TVPMTakeKeyboardFocus(g_other);
         TVPMTakeKeyboardFocus(target);
-        EXPECT_EQ(TVPMHasKeyboardFocus(g_other), 1);
-        TVPMDestroyWindow(g_other);  // its callback takes the focus back once more
-        EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1);
+        EXPECT_EQ(TVPMHasKeyboardFocus(target), 1);
     });
-    EXPECT_EQ(g_keys, (std::vector<std::string>{"retake", "retake"}));
+    EXPECT_EQ(g_keys, (std::vector<std::string>{"retake, focused 1"}));
+    auto focus = rig.host.CallsTo("TVPMSetPluginMouseFocus_f");
+    EXPECT_EQ(focus.size(), 2u);
+}
+
+TEST_F(WindowTest, WindowHidingItselfWhenToldOfTheLossIsToldOnce) {
+    TVPMWindowID target = rig.Window("alpha.tvp", 0, 10, 10, 0, nullptr, RecordKey, nullptr, (void*)"t");
+    g_other = rig.Window("alpha.tvp", 0, 10, 10, 0, nullptr, HideSelfOnFocusLoss);
+    rig.As("alpha.tvp", [&] {
+        TVPMTakeKeyboardFocus(g_other);
+        TVPMTakeKeyboardFocus(target);
+        EXPECT_EQ(TVPMHasKeyboardFocus(target), 1);
+        EXPECT_EQ(TVPMGetWindowIsVisible(g_other), 0);
+    });
+    EXPECT_EQ(g_keys, (std::vector<std::string>{"hiding"}));
+}
+
+TEST_F(WindowTest, WindowDestroyingItselfWhenToldOfTheLossStillHandsTheFocusOver) {
+    TVPMWindowID target = rig.Window("alpha.tvp", 0, 10, 10, 0, nullptr, RecordKey, nullptr, (void*)"t");
+    g_other = rig.Window("alpha.tvp", 0, 10, 10, 0, nullptr, DestroySelfOnFocusLoss);
+    rig.As("alpha.tvp", [&] {
+        TVPMTakeKeyboardFocus(g_other);
+        TVPMTakeKeyboardFocus(target);
+        EXPECT_EQ(TVPMHasKeyboardFocus(target), 1);
+        EXPECT_EQ(TVPMGetWindowRefCon(g_other), nullptr);
+    });
+    EXPECT_EQ(g_keys, (std::vector<std::string>{"destroying"}));
 }
 
 // ---- Lifecycle ----------------------------------------------------------------------------

@@ -44,7 +44,7 @@ void* const kDll = reinterpret_cast<void*>(0x5);
 // ---- the world around the discovery file ---------------------------------------------
 
 TVPMHooks* gHooks = nullptr;
-std::deque<PluginRecord> gAllPlugins;
+TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }

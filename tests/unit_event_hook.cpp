@@ -27,7 +27,7 @@ int s_features[4] = {0, 1, 0, 1};  // per plugin: the notification flag
 
 }  // namespace
 
-std::deque<PluginRecord> gAllPlugins;
+TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPMPluginID gPendingWeatherUpdate = -1;

@@ -26,7 +26,7 @@ void Step(const char* fmt, ...) {
 }  // namespace
 
 TVPMHooks* gHooks = nullptr;
-std::deque<PluginRecord> gAllPlugins;
+TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPMDeliveryHead orphaned;

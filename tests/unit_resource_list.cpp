@@ -427,3 +427,46 @@ TEST_F(ResourceList, WalksDoNotAllocate) {
     EXPECT_EQ(s_allocations, before);
     EXPECT_EQ(Rec::live, 7);
 }
+
+TEST_F(ResourceList, MovingTheUpcomingRecordToTheFrontNeitherRepeatsNorSkips) {
+    Add(3);
+    Add(2);
+    Add(1);  // chain 1 2 3
+    std::vector<int> forward;
+    {
+        TVPMWalk<Rec> walk(list);
+        while (Rec* r = walk.Next()) {
+            forward.push_back(r->id);
+            if (r->id == 1) list.MoveToFront(r->get_next());  // 2 jumps behind the cursor
+        }
+    }
+    EXPECT_EQ(forward, (std::vector<int>{1, 3}));
+    EXPECT_EQ(Chain(), (std::vector<int>{2, 1, 3}));
+
+    std::vector<int> backward;
+    {
+        TVPMReverseWalk<Rec> walk(list);
+        while (Rec* r = walk.Next()) {
+            backward.push_back(r->id);
+            if (r->id == 3) list.MoveToFront(r->get_prev());  // 1 jumps to the far end
+        }
+    }
+    EXPECT_EQ(backward, (std::vector<int>{3, 2, 1}));
+    EXPECT_EQ(Chain(), (std::vector<int>{1, 2, 3}));
+    EXPECT_TRUE(s_reports.empty());
+}
+
+TEST_F(ResourceList, ADeadRecordIsNotMovedAndIsStillPurged) {
+    Add(2);
+    Rec* one = Add(1);
+    {
+        TVPMWalk<Rec> walk(list);
+        list.Remove(one);
+        list.MoveToFront(list.Head()->get_next());
+        list.MoveToFront(one);
+        EXPECT_TRUE(one->is_dead());
+    }
+    EXPECT_EQ(Chain(), (std::vector<int>{2}));
+    EXPECT_EQ(Rec::live, 1);
+    EXPECT_TRUE(s_reports.empty());
+}

@@ -8,7 +8,7 @@
 #include "../TVPM/TVPMUtilities.cpp"
 
 TVPMHooks* gHooks = nullptr;
-std::deque<PluginRecord> gAllPlugins;
+TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 void TVPMSendError(const char*) {}
 

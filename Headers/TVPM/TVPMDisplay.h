@@ -146,12 +146,14 @@ TVPM_API void TVPMDestroyWindow(TVPMWindowID inWindowID);
 /* The window's rectangle; each output may be null. */
 TVPM_API void TVPMGetWindowGeometry(TVPMWindowID inWindowID, int* outLeft, int* outTop,
                                     int* outRight, int* outBottom);
+/* Moves and resizes the window (y grows upwards: inTop > inBottom). */
 TVPM_API void TVPMSetWindowGeometry(TVPMWindowID inWindowID, int inLeft, int inTop, int inRight,
                                     int inBottom);
 /* The rectangle of a popped-out window in the operating system's desktop
  * coordinates; outputs are untouched for a window that is not popped out. */
 TVPM_API void TVPMGetWindowGeometryOS(TVPMWindowID inWindowID, int* outLeft, int* outTop,
                                       int* outRight, int* outBottom);
+/* Moves a popped-out window on the desktop; ignored for any other window. */
 TVPM_API void TVPMSetWindowGeometryOS(TVPMWindowID inWindowID, int inLeft, int inTop,
                                       int inRight, int inBottom);
 /* 1 when the window has been popped out into an operating-system window. */
@@ -159,18 +161,25 @@ TVPM_API int TVPMWindowIsPoppedOut(TVPMWindowID inWindowID);
 /* The size of a window shown in VR; untouched outside VR. */
 TVPM_API void TVPMGetWindowGeometryVR(TVPMWindowID inWindowID, int* outWidthBoxels,
                                       int* outHeightBoxels);
+/* Resizes a window shown in VR; ignored outside VR. */
 TVPM_API void TVPMSetWindowGeometryVR(TVPMWindowID inWindowID, int inWidthBoxels,
                                       int inHeightBoxels);
 /* 1 when the window is shown in VR. */
 TVPM_API int TVPMWindowIsInVR(TVPMWindowID inWindowID);
+/* Whether the window is shown (for a window the simulator keeps, as the
+ * simulator answers). */
 TVPM_API int TVPMGetWindowIsVisible(TVPMWindowID inWindowID);
 /* Shows or hides the window; hiding the focused window takes its focus away. */
 TVPM_API void TVPMSetWindowIsVisible(TVPMWindowID inWindowID, int inIsVisible);
+/* The refcon passed to the window's callbacks; null for an unknown window. */
 TVPM_API void* TVPMGetWindowRefCon(TVPMWindowID inWindowID);
+/* Replaces the window's refcon; later callbacks receive the new one. */
 TVPM_API void TVPMSetWindowRefCon(TVPMWindowID inWindowID, void* inRefcon);
 /* Moves the window in front of all others: it is hit first and drawn last. */
 TVPM_API void TVPMBringWindowToFront(TVPMWindowID inWindowID);
-/* 1 when no visible window is in front of this one. */
+/* 1 when the window is the front-most visible one (for a window the
+ * simulator keeps, as the simulator answers); a hidden window is never in
+ * front. */
 TVPM_API int TVPMIsWindowInFront(TVPMWindowID inWindowID);
 
 /* Passed to the simulator unchanged, for windows the simulator keeps. */
@@ -190,7 +199,9 @@ TVPM_API void TVPMSetWindowTitle(TVPMWindowID inWindowID, const char* inWindowTi
 
 /* Gives the keyboard focus to a window of an enabled plugin, or back to the
  * simulator with null (an unknown [handle] counts as null). The window losing
- * the focus is told through its key callback. */
+ * the focus is told through its key callback, during which it still has the
+ * focus; afterwards the focus goes where it was asked to, whatever that
+ * callback did. */
 TVPM_API void TVPMTakeKeyboardFocus(TVPMWindowID inWindowID);
 /* 1 when the window has the keyboard focus; with null (or an unknown handle),
  * 1 when no window has it. */
@@ -230,6 +241,8 @@ typedef void (*TVPMHotKey_f)(void* inRefcon);
 TVPM_API TVPMHotKeyID TVPMRegisterHotKey(char inVirtualKey, TVPMKeyFlags inFlags,
                                          const char* inDescription, TVPMHotKey_f inCallback,
                                          void* inRefcon);
+/* Removes any plugin's hot key; the [handle] is invalid afterwards. Safe
+ * from inside the hot key's own callback. */
 TVPM_API void TVPMUnregisterHotKey(TVPMHotKeyID inHotKey);
 /* The number of hot keys of all plugins. */
 TVPM_API int TVPMCountHotKeys(void);
