@@ -1,0 +1,104 @@
+// HostOptions.cpp: parses and explains tvpm-host's command line.
+#include "HostOptions.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace tvpmhost {
+
+namespace {
+
+bool ParseNumber(const std::string& text, double& out) {
+    char* end = nullptr;
+    out = strtod(text.c_str(), &end);
+    return !text.empty() && end && *end == 0;
+}
+
+}  // namespace
+
+void PrintHelp() {
+    printf(
+        "usage: tvpm-host [options]\n"
+        "\n"
+        "Loads TVPM_64.so as the simulator does, runs its plugins through a headless\n"
+        "frame loop and reports what happened. With no options it runs the bundled\n"
+        "example plugins and example aircraft.\n"
+        "\n"
+        "  --root DIR          simulator folder (plugins in DIR/Resources/plugins)\n"
+        "  --plugin PATH       a plugin file (.tvp) or fat plugin folder; may repeat.\n"
+        "                      The plugins are laid out in a temporary simulator folder\n"
+        "  --aircraft DIR      aircraft folder whose plugins/ load with the aircraft\n"
+        "  --scenery DIR       scenery pack whose plugins/ load; may repeat\n"
+        "  --frames N          frames to run (default 300; with --check, per step 60)\n"
+        "  --fps F             simulated frame rate (default 60)\n"
+        "  --log FILE          write TVPM's log to FILE\n"
+        "  --report FILE.json  write the summary as JSON\n"
+        "  --quiet             print only the summary, not the log\n"
+        "  --check             validate each plugin: start, enable, disable, re-enable,\n"
+        "                      reload, aircraft load and unload, shut-down\n"
+        "  --strict            with --check: warnings fail too\n"
+        "  --library FILE      the TVPM_64.so to load\n"
+        "  --help              this text\n"
+        "\n"
+        "Exit status: 0 when nothing failed.\n");
+}
+
+bool ParseOptions(int argc, char** argv, HostOptions& out, std::string& error) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        auto value = [&](std::string& into) {
+            if (i + 1 >= argc) {
+                error = arg + " needs a value";
+                return false;
+            }
+            into = argv[++i];
+            return true;
+        };
+        std::string v;
+        if (arg == "--help" || arg == "-h") {
+            out.help = true;
+        } else if (arg == "--quiet") {
+            out.quiet = true;
+        } else if (arg == "--check") {
+            out.check = true;
+        } else if (arg == "--strict") {
+            out.strict = true;
+        } else if (arg == "--root" || arg == "--aircraft" || arg == "--log" || arg == "--report" ||
+                   arg == "--library") {
+            if (!value(v)) return false;
+            if (arg == "--root") out.root = v;
+            if (arg == "--aircraft") out.aircraft = v;
+            if (arg == "--log") out.logFile = v;
+            if (arg == "--report") out.reportFile = v;
+            if (arg == "--library") out.library = v;
+        } else if (arg == "--plugin" || arg == "--scenery") {
+            if (!value(v)) return false;
+            (arg == "--plugin" ? out.plugins : out.sceneries).push_back(v);
+        } else if (arg == "--frames" || arg == "--fps") {
+            double n = 0;
+            if (!value(v)) return false;
+            if (!ParseNumber(v, n) || n <= 0 || (arg == "--frames" && n != static_cast<long>(n))) {
+                error = arg + " needs a positive " + (arg == "--frames" ? "whole " : "") +
+                        "number, not '" + v + "'";
+                return false;
+            }
+            if (arg == "--frames") out.frames = static_cast<long>(n);
+            if (arg == "--fps") out.fps = n;
+        } else {
+            error = "unknown option '" + arg + "' (see --help)";
+            return false;
+        }
+    }
+    if (!out.root.empty() && !out.plugins.empty()) {
+        error = "--root and --plugin cannot be combined: --plugin builds its own simulator folder";
+        return false;
+    }
+    if (out.strict && !out.check) {
+        error = "--strict only applies to --check";
+        return false;
+    }
+    return true;
+}
+
+}  // namespace tvpmhost

@@ -1,0 +1,144 @@
+// test_sdk.cpp: an installed copy of TVPM is a working plugin SDK: find_package(TVPM) and tvpm_add_plugin build a loadable plugin out of tree.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string BinaryDir() {
+    if (const char* dir = getenv("TVPM_BINARY_DIR")) return dir;
+    return fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
+}
+
+// A value of the build's CMakeCache.txt, e.g. CMAKE_COMMAND.
+std::string CacheValue(const std::string& key) {
+    std::ifstream in(BinaryDir() + "/CMakeCache.txt");
+    for (std::string line; std::getline(in, line);)
+        if (line.rfind(key + ":", 0) == 0) return line.substr(line.find('=') + 1);
+    return "";
+}
+
+struct Outcome {
+    int status = -1;
+    std::string output;
+};
+
+Outcome Shell(const std::string& command) {
+    Outcome o;
+    FILE* p = popen((command + " 2>&1").c_str(), "r");
+    if (!p) return o;
+    char buf[4096];
+    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) o.output.append(buf, n);
+    const int raw = pclose(p);
+    o.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return o;
+}
+
+std::string Quote(const std::string& s) { return "'" + s + "'"; }
+
+std::set<std::string> DefinedDynamicSymbols(const std::string& library) {
+    std::set<std::string> out;
+    std::istringstream in(Shell("nm -D --defined-only " + Quote(library)).output);
+    for (std::string address, type, name; in >> address >> type >> name;) out.insert(name);
+    return out;
+}
+
+class SdkTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "tvpm-sdk-test-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        dir_ = pattern;
+        cmake_ = CacheValue("CMAKE_COMMAND");
+        ASSERT_FALSE(cmake_.empty());
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(dir_, ec);
+    }
+
+    Outcome CMake(const std::string& args) { return Shell(Quote(cmake_) + " " + args); }
+
+    std::string dir_, cmake_;
+};
+
+}  // namespace
+
+TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
+    const std::string prefix = dir_ + "/prefix";
+    Outcome o = CMake("--install " + Quote(BinaryDir()) + " --prefix " + Quote(prefix));
+    ASSERT_EQ(o.status, 0) << o.output;
+    for (const char* file : {"lib/TVPM_64.so", "include/TVPM/TVPMDefs.h", "include/TVPM/TVPMPlugin.h",
+                             "include/TVPMHost.h", "lib/cmake/TVPM/TVPMConfig.cmake",
+                             "lib/cmake/TVPM/TVPMConfigVersion.cmake", "lib/cmake/TVPM/TVPMPlugin.cmake",
+                             "lib/cmake/TVPM/TVPMTargets.cmake", "bin/tvpm-host"})
+        EXPECT_TRUE(fs::exists(prefix + "/" + file)) << file;
+
+    const std::string source = dir_ + "/src";
+    fs::create_directories(source);
+    fs::copy_file(CacheValue("CMAKE_HOME_DIRECTORY") + "/examples/panel_clock.cpp", source + "/panel_clock.cpp");
+    // A helper the author exported by mistake must stay hidden in the plugin.
+    std::ofstream(source + "/helper.cpp") << "__attribute__((visibility(\"default\"))) int my_helper() { return 1; }\n";
+    std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
+                                                 "project(sdk_user CXX)\n"
+                                                 "find_package(TVPM 4.2 REQUIRED)\n"
+                                                 "tvpm_add_plugin(my_panel SOURCES panel_clock.cpp helper.cpp)\n"
+                                                 "tvpm_add_plugin(flat_panel SOURCES panel_clock.cpp LAYOUT flat\n"
+                                                 "                OUTPUT_DIR ${CMAKE_BINARY_DIR}/loose)\n";
+    const std::string build = dir_ + "/build";
+    o = CMake("-S " + Quote(source) + " -B " + Quote(build) + " -DCMAKE_PREFIX_PATH=" + Quote(prefix));
+    ASSERT_EQ(o.status, 0) << o.output;
+    o = CMake("--build " + Quote(build));
+    ASSERT_EQ(o.status, 0) << o.output;
+
+    // The fat layout the plugin manager loads, and nothing but the entry points exported.
+    const std::string plugin = build + "/plugins/my_panel/lin_x64/my_panel.tvp";
+    ASSERT_TRUE(fs::exists(plugin));
+    EXPECT_EQ(DefinedDynamicSymbols(plugin),
+              (std::set<std::string>{"TPluginDisable", "TPluginEnable", "TPluginReceiveMessage", "TPluginStart",
+                                     "TPluginStop"}));
+
+    EXPECT_TRUE(fs::exists(build + "/loose/flat_panel.tvp"));
+
+    // The installed headless simulator finds the installed library and passes the plugin.
+    o = Shell(Quote(prefix + "/bin/tvpm-host") + " --check --frames 5 --plugin " + Quote(build + "/plugins/my_panel"));
+    EXPECT_EQ(o.status, 0) << o.output;
+    EXPECT_NE(o.output.find("PASS"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find(prefix + "/lib/TVPM_64.so"), std::string::npos) << o.output;
+}
+
+TEST_F(SdkTest, APluginWithoutSourcesIsAConfigureError) {
+    const std::string source = dir_ + "/src";
+    fs::create_directories(source);
+    std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
+                                                 "project(sdk_user CXX)\n"
+                                                 "include(" + CacheValue("CMAKE_HOME_DIRECTORY") +
+                                                     "/cmake/TVPMPlugin.cmake)\n"
+                                                     "tvpm_add_plugin(empty)\n";
+    const Outcome o = CMake("-S " + Quote(source) + " -B " + Quote(dir_ + "/build"));
+    EXPECT_NE(o.status, 0);
+    EXPECT_NE(o.output.find("tvpm_add_plugin(empty): no SOURCES given"), std::string::npos) << o.output;
+}
+
+TEST_F(SdkTest, AnUnknownLayoutIsAConfigureError) {
+    const std::string source = dir_ + "/src";
+    fs::create_directories(source);
+    std::ofstream(source + "/p.cpp") << "int x;\n";
+    std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
+                                                 "project(sdk_user CXX)\n"
+                                                 "include(" + CacheValue("CMAKE_HOME_DIRECTORY") +
+                                                     "/cmake/TVPMPlugin.cmake)\n"
+                                                     "tvpm_add_plugin(p SOURCES p.cpp LAYOUT sideways)\n";
+    const Outcome o = CMake("-S " + Quote(source) + " -B " + Quote(dir_ + "/build"));
+    EXPECT_NE(o.status, 0);
+    EXPECT_NE(o.output.find("tvpm_add_plugin(p): LAYOUT must be fat or flat"), std::string::npos) << o.output;
+}
