@@ -114,21 +114,20 @@ TVPMPluginID FindSignature(const char* signature) {
 
 // TPluginStart said no: the plugin leaves nothing behind. Whatever it
 // registered while starting is released too, since its code is about to go.
-void RefuseStart(TVPMPluginID id, void* dll, const std::string& path, bool isAircraftPlugin,
-                 TVPMPluginID caller) {
+void RefuseStart(TVPMPluginID id, void* dll, const std::string& path, bool isAircraftPlugin) {
     LogOutcome("Failed: ", path,
                ". (The plugin refused to start by returning 0 from TPluginStart.)\n\n");
-    TVPMSetDispatchedPlugin(caller);
+    TVPMSetDispatchedPlugin(0);
     TVPMRunCleanupHooks(id);
     DropLastRecord(isAircraftPlugin);
     TVPMUnloadDLL(dll);
 }
 
 void RefuseDuplicate(TVPMPluginID id, const std::string& path, const char* signature,
-                     bool isAircraftPlugin, TVPMPluginID caller) {
+                     bool isAircraftPlugin) {
     TVPMSetDispatchedPlugin(id);
     TVPMUnloadStoppedPlugin(id);
-    TVPMSetDispatchedPlugin(caller);
+    TVPMSetDispatchedPlugin(0);
     DropLastRecord(isAircraftPlugin);
     TVPMDebugString("Warning: ");
     TVPMDebugString(path.c_str());
@@ -157,9 +156,9 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
         return TVPM_NO_PLUGIN_ID;
     }
     StLoaderBusy busy;
-    // Whoever asked for the load is current again afterwards: the simulator
-    // at start-up, or a plugin that reloads its aircraft's plugins.
-    const TVPMPluginID caller = TVPMGetDispatchedPlugin();
+    // Every load ends with the simulator current, even one that a plugin
+    // asked for (an aircraft reload): that plugin is current again only once
+    // its own callback returns.
     const TVPMPluginID id = TVPMCountPlugins();
     const bool isAircraftPlugin = isCurrentAcfPlugin != 0;
     TVPMSetDispatchedPlugin(id);
@@ -169,14 +168,14 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     char name[kTextBufferSize] = "", signature[kTextBufferSize] = "",
          description[kTextBufferSize] = "";
     if (!entry.start(name, signature, description)) {
-        RefuseStart(id, dll, inPluginPath, isAircraftPlugin, caller);
+        RefuseStart(id, dll, inPluginPath, isAircraftPlugin);
         return TVPM_NO_PLUGIN_ID;
     }
     // A plugin that filled a buffer to the brim still gets terminated text.
     for (char* text : {name, signature, description}) text[kTextBufferSize - 1] = 0;
-    TVPMSetDispatchedPlugin(caller);
+    TVPMSetDispatchedPlugin(0);
     if (FindSignature(signature) != TVPM_NO_PLUGIN_ID) {
-        RefuseDuplicate(id, inPluginPath, signature, isAircraftPlugin, caller);
+        RefuseDuplicate(id, inPluginPath, signature, isAircraftPlugin);
         return TVPM_NO_PLUGIN_ID;
     }
     PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];

@@ -273,12 +273,38 @@ TEST_F(Lifecycle, AircraftPluginCanReloadItselfFromItsOwnCallback) {
     Poke("fms");  // returns into the plugin's code after it was unloaded: it must still be there
     EXPECT_EQ(JournalSince(mark), (Lines{"fms:message 7777 from 0", "fms:disable", "fms:stop",
                                          "fms:start", "fms:enable"}));
-    EXPECT_EQ(meAfter, 1);
+    EXPECT_EQ(meAfter, 0);  // loading leaves the simulator current until the callback returns
     EXPECT_EQ(TVPMIsPluginEnabled(1), 1);
     host.RunFrame();
     TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
     host.RunFrame();
     EXPECT_FALSE(IsMapped(fmsPath));
+}
+
+TEST_F(Lifecycle, APluginThatReloadsTheAircraftPluginsFindsTheSimulatorCurrentAfterwards) {
+    AddScripted({"alpha.tvp"});
+    host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
+    static std::vector<TVPMPluginID> seen;
+    seen.clear();
+    OnPoke("alpha.tvp", [] {
+        TVPMReloadACFPlugins();
+        seen.push_back(TVPMGetMyID());
+    });
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    ASSERT_EQ(IdOf("fms"), 2);
+
+    Poke("alpha.tvp");  // the aircraft plugin starts again
+    Script("fms").start = [](char*, char*, char*) { return 0; };
+    Poke("alpha.tvp");  // it refuses to start
+    Script("fms").start = [](char*, char* signature, char*) {
+        snprintf(signature, 256, "test.alpha.tvp");
+        return 1;
+    };
+    Poke("alpha.tvp");  // it is refused as a second copy of alpha
+    EXPECT_EQ(seen, (std::vector<TVPMPluginID>{0, 0, 0}));
+    EXPECT_EQ(TVPMCountPlugins(), 2);
+    EXPECT_EQ(TVPMGetMyID(), 0);
 }
 
 TEST_F(Lifecycle, AircraftPluginUnloadedFromItsOwnCallbackKeepsItsCodeUntilItReturns) {

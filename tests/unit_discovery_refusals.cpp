@@ -1,4 +1,4 @@
-// unit_discovery_refusals.cpp: entry points are resolved in a fixed order, and a plugin refused at start leaves nothing registered and its caller current.
+// unit_discovery_refusals.cpp: entry points are resolved in a fixed order, and a plugin refused at start leaves nothing registered and the simulator current.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -123,7 +123,7 @@ TEST_F(DiscoveryRefusals, WithoutTPluginStartTheOthersAreStillLookedUpThenTheLib
     EXPECT_EQ(TVPMCountPlugins(), 1);
 }
 
-TEST_F(DiscoveryRefusals, RefusedStartReleasesWhatThePluginRegisteredAndRestoresTheCaller) {
+TEST_F(DiscoveryRefusals, RefusedStartReleasesWhatThePluginRegisteredAndLeavesTheSimulatorCurrent) {
     s_startResult = 0;
     gAllPlugins.emplace_back();  // a table that already holds the simulator's record
     gAllPlugins.emplace_back();  // and one plugin, which is loading others
@@ -135,7 +135,7 @@ TEST_F(DiscoveryRefusals, RefusedStartReleasesWhatThePluginRegisteredAndRestores
     EXPECT_EQ(Steps(steps.end() - 3, steps.end()),
               (Steps{"TPluginStart", "cleanup 2", "close 0x5"}));
     EXPECT_EQ(s_currentInStart, 2);
-    EXPECT_EQ(gDispatchedPlugin, 1);
+    EXPECT_EQ(gDispatchedPlugin, 0);
     EXPECT_EQ(TVPMCountPlugins(), 2);
     EXPECT_TRUE(gCurrentAircraftPluginIDS.empty());
 }
@@ -143,13 +143,14 @@ TEST_F(DiscoveryRefusals, RefusedStartReleasesWhatThePluginRegisteredAndRestores
 TEST_F(DiscoveryRefusals, DuplicateIsUnloadedAsItselfThenDropped) {
     s_signature = "";
     gAllPlugins.emplace_back();
-    gDispatchedPlugin = 0;
+    gAllPlugins.emplace_back();  // a plugin that is loading others
+    gDispatchedPlugin = 1;
     const TVPMPluginID id = LoadOnePlugin("/sim/Resources/plugins/one.tvp", 1, 1);
     EXPECT_EQ(id, -1);
     EXPECT_EQ(LoadSteps().back(), "close 0x5");
-    EXPECT_EQ(*(LoadSteps().end() - 2), "unload 1 current=1");
+    EXPECT_EQ(*(LoadSteps().end() - 2), "unload 2 current=2");
     EXPECT_EQ(gDispatchedPlugin, 0);
-    EXPECT_EQ(TVPMCountPlugins(), 1);
+    EXPECT_EQ(TVPMCountPlugins(), 2);
     EXPECT_TRUE(gCurrentAircraftPluginIDS.empty());
     EXPECT_EQ(s_steps.back(), "log . (A version of this plugin is already loaded.)\n");
 }
