@@ -114,8 +114,9 @@ void TVPMRunCleanupHooks(TVPMPluginID id) {
 namespace {
 
 // The record outlives its library until the table is trimmed: it must never
-// lead into unmapped code, and must not pass for the plugin when the same
-// file is loaded again meanwhile (by path or as a duplicate signature).
+// lead into unmapped code. Its name, path and signature stay, so that it is
+// still found by them, and a second copy of the plugin loaded meanwhile is
+// refused as a duplicate.
 void ForgetLibrary(PluginRecord& r, bool closeLater) {
     if (r.dllRef) {
         if (closeLater)
@@ -130,8 +131,6 @@ void ForgetLibrary(PluginRecord& r, bool closeLater) {
     r.receiveMessageFunc = nullptr;
     r.errorFunc = nullptr;
     r.enabled = false;
-    r.path.clear();
-    r.signature.clear();
 }
 
 void UnloadPlugin(TVPMPluginID id, bool closeLater) {

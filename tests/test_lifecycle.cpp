@@ -349,7 +349,7 @@ TEST_F(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
                   "Loaded: " + acfPlugins + "/fms/lin_x64/fms.tvp (test.fms).\n\n");
 }
 
-TEST_F(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirIdsButStayOff) {
+TEST_F(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirRecordsButStayOff) {
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
     const std::string pack = sim.AddSceneryPack("City", {"lights"}, BuiltPlugin("scripted.tvp"));
     ASSERT_EQ(host.Start(sim.Root()), 23);
@@ -366,9 +366,21 @@ TEST_F(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirIdsButStayOf
     TVPMSendMessageToPlugin(-1, 600, nullptr);
     EXPECT_EQ(JournalSince(mark), (Lines{"lights:message 600 from 0"}));
 
+    // Its record still carries its path and signature: loading the aircraft
+    // again finds the plugin already there, and the new copy is refused.
+    const std::string fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
+    EXPECT_EQ(TVPMFindPluginBySignature("test.fms"), 1);
+    EXPECT_EQ(TVPMFindPluginByPath(fmsPath.c_str()), 1);
+    host.ClearCalls();
+    const size_t again = Journal().size();
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    EXPECT_EQ(TVPMCountPlugins(), 4);
-    EXPECT_EQ(TVPMIsPluginEnabled(3), 1);
+    EXPECT_EQ(JournalSince(again),
+              (Lines{"lights:message 102 from 0", "fms:start", "fms:stop"}));
+    EXPECT_EQ(host.Log(), Fetching(sim.Root() + "Aircraft/Jet/plugins") + "Warning: " + fmsPath +
+                              " Signature: test.fms. (A version of this plugin is already loaded.)\n");
+    EXPECT_EQ(TVPMCountPlugins(), 3);
+    EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
+    EXPECT_EQ(TVPMIsPluginEnabled(2), 1);
 }
 
 TEST_F(Lifecycle, SceneryPackPluginsAreLoadedThenEnabled) {
