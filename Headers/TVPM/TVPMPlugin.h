@@ -55,7 +55,9 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID);
  * at the end of the current or next flight-loop pass, never inside the
  * calling callback. */
 TVPM_API void TVPMReloadPlugins(void);
-/* Reloads the plugins of the user's aircraft at once. */
+/* Reloads the plugins of the user's aircraft at once. Loading leaves the
+ * simulator as the [current plugin]: a plugin that calls this should return
+ * from its callback right after, without registering anything more. */
 TVPM_API void TVPMReloadACFPlugins(void);
 
 /* ---- Messages ----------------------------------------------------------- */
