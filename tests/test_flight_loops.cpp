@@ -274,6 +274,11 @@ TEST_F(FlightLoops, BadCreateParametersAreReportedOnlyToListenersAndNeverRefused
     });
     Frame(2);  // nor is one without a callback
     EXPECT_TRUE(s_calls.empty());
+
+    // The older call creates through the same checks.
+    AsPlugin("beta.tvp", [] { TVPMRegisterFlightLoopCallback(nullptr, -1, kA); });
+    Frame(3);
+    EXPECT_EQ(Errors()[2], std::vector<std::string>{"Null callback for TVPMCreateFlightLoop"});
 }
 
 namespace {
