@@ -328,3 +328,17 @@ TEST_F(FlightLoops, AReloadAskedForDuringAPassRunsAfterIt) {
     Frame(2);
     EXPECT_TRUE(s_calls.empty()) << "the reloaded plugin starts without loops";
 }
+
+TEST_F(FlightLoops, LegacyUnregisterDuringAPassStopsAtTheFirstMatchEvenIfAlreadyGone) {
+    AsPlugin("alpha.tvp", [] {
+        TVPMRegisterFlightLoopCallback(Loop, -1, kA);
+        TVPMRegisterFlightLoopCallback(Loop, -1, kA);
+        TVPMRegisterFlightLoopCallback(Loop, -1, kB);
+    });
+    s_during["b"] = [] {
+        TVPMUnregisterFlightLoopCallback(Loop, kA);
+        TVPMUnregisterFlightLoopCallback(Loop, kA);  // finds the one just removed
+    };
+    Frame(1);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"b", "a"}));
+}
