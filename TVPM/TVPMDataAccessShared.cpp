@@ -21,11 +21,29 @@ int InitialStorage(TVPMDataTypeID type) {
 
 TVPMSharedDataRecord* Shared(void* refcon) { return static_cast<TVPMSharedDataRecord*>(refcon); }
 
+// Removes one subscription, or leaves a hole in its place while a
+// notification walks the list.
+void DropSubscriber(TVPMSharedDataRecord* r, std::vector<TVPMSharedDataSubscriber>::iterator s) {
+    if (r->notifying > 0)
+        s->cb = nullptr;
+    else
+        r->subscribers.erase(s);
+}
+
+void DropHoles(TVPMSharedDataRecord* r) {
+    r->subscribers.erase(std::remove_if(r->subscribers.begin(), r->subscribers.end(),
+                                        [](const TVPMSharedDataSubscriber& s) { return !s.cb; }),
+                         r->subscribers.end());
+}
+
 // Every write notifies, changed or not, each subscriber in its own context.
-void Notify(const TVPMSharedDataRecord* r) {
-    // A subscriber may subscribe or unsubscribe while being told.
-    for (size_t i = 0; i < r->subscribers.size(); ++i) {
+// Those who subscribe while being told hear from the next write on.
+void Notify(TVPMSharedDataRecord* r) {
+    ++r->notifying;
+    const size_t told = r->subscribers.size();
+    for (size_t i = 0; i < told; ++i) {
         const TVPMSharedDataSubscriber s = r->subscribers[i];
+        if (!s.cb) continue;
         StDispatchCallback scope(s.plugin);
         if (!scope()) continue;
         try {
@@ -33,6 +51,7 @@ void Notify(const TVPMSharedDataRecord* r) {
         } catch (...) {
         }
     }
+    if (--r->notifying == 0) DropHoles(r);
 }
 
 template <class T>
@@ -136,7 +155,7 @@ TVPMSharedDataRecord* CreateShared(const char* name, TVPMDataTypeID type) {
     const int bytes = InitialStorage(type);
     char* data = static_cast<char*>(calloc(1, static_cast<size_t>(bytes)));
     if (!data) return nullptr;
-    TVPMSharedDataRecord* r = new TVPMSharedDataRecord{name, type, data, bytes, {}};
+    TVPMSharedDataRecord* r = new TVPMSharedDataRecord{name, type, data, bytes, {}, 0};
     gSharedData.push_back(r);
     PublishShared(r);
     return r;
@@ -165,17 +184,16 @@ TVPM_API int TVPMUnshareData(const char* inDataName, TVPMDataTypeID inDataType,
                                               TVPMGetDispatchedPlugin()};
         auto found = std::find(r->subscribers.begin(), r->subscribers.end(), wanted);
         if (found == r->subscribers.end()) return 0;
-        r->subscribers.erase(found);
+        DropSubscriber(r, found);
         return 1;
     }
     return 0;
 }
 
 void TVPMSharedDataForgetPlugin(TVPMPluginID id) {
-    for (TVPMSharedDataRecord* r : gSharedData)
-        r->subscribers.erase(std::remove_if(r->subscribers.begin(), r->subscribers.end(),
-                                            [id](const TVPMSharedDataSubscriber& s) {
-                                                return s.plugin == id;
-                                            }),
-                             r->subscribers.end());
+    for (TVPMSharedDataRecord* r : gSharedData) {
+        for (auto s = r->subscribers.begin(); s != r->subscribers.end(); ++s)
+            if (s->plugin == id) s->cb = nullptr;
+        if (r->notifying == 0) DropHoles(r);
+    }
 }

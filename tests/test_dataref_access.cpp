@@ -283,3 +283,26 @@ TEST_F(SharedData, ADepartingPluginsSubscriptionsGoAndTheOthersKeepTheirOrder) {
     EXPECT_EQ(s_notified, (std::vector<std::string>{"alpha as " + std::to_string(alpha),
                                                     "beta as " + std::to_string(beta)}));
 }
+
+namespace {
+char kLateTag[] = "late";
+// Alpha's subscription leaves when first told and brings in a new one.
+void LeavesWhenTold(void* refcon) {
+    Changed(refcon);
+    TVPMUnshareData("shared/turnover", tvpmType_Int, LeavesWhenTold, refcon);
+    TVPMShareData("shared/turnover", tvpmType_Int, Changed, kLateTag);
+}
+}  // namespace
+
+TEST_F(SharedData, SubscribersLeavingOrJoiningWhileToldLoseNobody) {
+    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/turnover", tvpmType_Int, LeavesWhenTold, kAlphaTag); });
+    AsPlugin("beta.tvp", [] { TVPMShareData("shared/turnover", tvpmType_Int, Changed, kBetaTag); });
+    TVPMDataRef n = TVPMFindDataRef("shared/turnover");
+    TVPMSetDatai(n, 1);
+    const std::string a = "alpha as " + std::to_string(alpha), b = "beta as " + std::to_string(beta);
+    const std::string late = "late as " + std::to_string(alpha);
+    EXPECT_EQ(s_notified, (std::vector<std::string>{a, b}));
+    s_notified.clear();
+    TVPMSetDatai(n, 2);
+    EXPECT_EQ(s_notified, (std::vector<std::string>{b, late}));
+}

@@ -274,6 +274,11 @@ TEST_F(FlightLoops, BadCreateParametersAreReportedOnlyToListenersAndNeverRefused
     });
     Frame(2);  // nor is one without a callback
     EXPECT_TRUE(s_calls.empty());
+
+    // The older call creates through the same checks.
+    AsPlugin("beta.tvp", [] { TVPMRegisterFlightLoopCallback(nullptr, -1, kA); });
+    Frame(3);
+    EXPECT_EQ(Errors()[2], std::vector<std::string>{"Null callback for TVPMCreateFlightLoop"});
 }
 
 namespace {
@@ -322,4 +327,18 @@ TEST_F(FlightLoops, AReloadAskedForDuringAPassRunsAfterIt) {
     s_during.clear();
     Frame(2);
     EXPECT_TRUE(s_calls.empty()) << "the reloaded plugin starts without loops";
+}
+
+TEST_F(FlightLoops, LegacyUnregisterDuringAPassStopsAtTheFirstMatchEvenIfAlreadyGone) {
+    AsPlugin("alpha.tvp", [] {
+        TVPMRegisterFlightLoopCallback(Loop, -1, kA);
+        TVPMRegisterFlightLoopCallback(Loop, -1, kA);
+        TVPMRegisterFlightLoopCallback(Loop, -1, kB);
+    });
+    s_during["b"] = [] {
+        TVPMUnregisterFlightLoopCallback(Loop, kA);
+        TVPMUnregisterFlightLoopCallback(Loop, kA);  // finds the one just removed
+    };
+    Frame(1);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"b", "a"}));
 }

@@ -140,8 +140,10 @@ typedef void (*TVPMDataChanged_f)(void* inRefcon);
 /* Shares a value by name: the first sharer creates it as a writable item owned
  * by TVPM (it outlives every plugin); inDataType must be exactly one type.
  * With a non-null inNotificationFunc the [current plugin] subscribes to changes
- * (sharing twice subscribes twice). Returns 0 when the name is already shared
- * with another type, else 1. Plugin thread only (not checked). */
+ * (sharing twice subscribes twice); subscribers are told in subscription
+ * order, and one that joins while others are being told hears from the next
+ * write on. Returns 0 when the name is already shared with another type,
+ * else 1. Plugin thread only (not checked). */
 TVPM_API int TVPMShareData(const char* inDataName, TVPMDataTypeID inDataType,
                            TVPMDataChanged_f inNotificationFunc, void* inNotificationRefcon);
 /* Removes one subscription of the [current plugin] made with the same
