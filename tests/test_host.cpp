@@ -191,8 +191,11 @@ TEST(HostCheck, APluginThatLeavesAWindowAndAHeldCommandBehindFails) {
 TEST(HostCheck, APluginThatCallsTVPMFromAWorkerThreadFailsWithTheViolation) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_thread.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
-    EXPECT_NE(o.output.find("FAIL  "), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("FAIL  Broken Thread"), std::string::npos) << o.output;
     EXPECT_NE(o.output.find("problem: threading violation: Threading violation calling TVPMRegisterDrawCallback"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(o.output.find("problem: threading violation: Violation by Broken Thread (test.broken.thread - "),
               std::string::npos)
         << o.output;
     EXPECT_NE(o.output.find("problem: the simulator process died: Aborted"), std::string::npos) << o.output;

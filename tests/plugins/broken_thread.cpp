@@ -9,6 +9,10 @@ namespace {
 
 int Draw(TVPMDrawingPhase, int, void*) { return 1; }
 
+// Kept after the call, so that the call is not a tail call and the worker's
+// frame (in this plugin) is the caller TVPM sees on the stack.
+volatile int s_registered = 0;
+
 }  // namespace
 
 TVPM_PLUGIN_API int TPluginStart(char* outName, char* outSignature, char* outDescription) {
@@ -19,7 +23,7 @@ TVPM_PLUGIN_API int TPluginStart(char* outName, char* outSignature, char* outDes
 }
 
 TVPM_PLUGIN_API int TPluginEnable(void) {
-    std::thread worker([] { TVPMRegisterDrawCallback(Draw, tvpm_Phase_Window, 0, nullptr); });
+    std::thread worker([] { s_registered = TVPMRegisterDrawCallback(Draw, tvpm_Phase_Window, 0, nullptr); });
     worker.join();
     return 1;
 }
