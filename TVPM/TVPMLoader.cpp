@@ -51,19 +51,6 @@ void CopyField(char* out, const std::string& value) {
 
 // ---- Deliveries ---------------------------------------------------------------
 
-void TVPMDelivery::Unlink() {
-    if (prev) prev->next = next;
-    if (next) next->prev = prev;
-    next = prev = nullptr;
-}
-
-void TVPMDelivery::InsertAfter(TVPMDelivery* where) {
-    next = where->next;
-    prev = where;
-    if (where->next) where->next->prev = this;
-    where->next = this;
-}
-
 void TVPMQueueDelivery(TVPMDelivery* d) {
     PluginRecord* r = TVPMGetPluginRecord(d->plugin);
     if (!r) {

@@ -34,8 +34,17 @@ public:
     // may delete itself.
     virtual void DeliverToPlugin(bool targetGone) = 0;
 
-    void Unlink();
-    void InsertAfter(TVPMDelivery* where);
+    void Unlink() {
+        if (prev) prev->next = next;
+        if (next) next->prev = prev;
+        next = prev = nullptr;
+    }
+    void InsertAfter(TVPMDelivery* where) {
+        next = where->next;
+        prev = where;
+        if (where->next) where->next->prev = this;
+        where->next = this;
+    }
 
     TVPMPluginID plugin = -1;
     TVPMDelivery* next = nullptr;

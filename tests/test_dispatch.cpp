@@ -11,6 +11,7 @@
 #include "FakeHost.h"
 #include "Harness.h"
 #include "SimTest.h"
+#include "TimingSamples.h"
 #include "PluginContext.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMProcessing.h"
@@ -124,20 +125,7 @@ TEST_F(Dispatch, NoTrafficControllerMeansNoInfo) {
 // ---- timing collection --------------------------------------------------------------------
 
 namespace {
-struct Sample {
-    TVPMPluginID plugin;
-    TVPMPluginCallbackType type;
-    double microseconds;
-};
-std::vector<Sample> s_samples;
-int s_timingCalls = 0;
 int s_assertions = 0;
-
-void CollectTimings(uint64_t count, const TVPMPluginID* ids, const TVPMPluginCallbackType* types,
-                    const double* us) {
-    ++s_timingCalls;
-    for (uint64_t i = 0; i < count; ++i) s_samples.push_back({ids[i], types[i], us[i]});
-}
 
 float SlowLoop(float, float, int, void*) {
     std::this_thread::sleep_for(std::chrono::microseconds(1500));
@@ -171,7 +159,7 @@ TEST(DispatchTimings, ATimedCallbackReportsItsOwnerKindAndDurationOnce) {
 
     s_samples.clear();
     TVPMGetPluginCallbackTimings(CollectTimings);
-    EXPECT_EQ(s_timingCalls, 3);  // called even with nothing to report
+    EXPECT_EQ(s_collections, 3);  // called even with nothing to report
     EXPECT_TRUE(s_samples.empty());
     EXPECT_EQ(s_assertions, 0);
     host.Shutdown();

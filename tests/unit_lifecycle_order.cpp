@@ -19,17 +19,6 @@ TVPMPluginID gPendingWeatherUpdate = -1;
 std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
 
 void TVPMReportUnclosedWeatherUpdate() { gPendingWeatherUpdate = -1; }
-void TVPMDelivery::Unlink() {
-    if (prev) prev->next = next;
-    if (next) next->prev = prev;
-    next = prev = nullptr;
-}
-void TVPMDelivery::InsertAfter(TVPMDelivery* where) {
-    next = where->next;
-    prev = where;
-    if (where->next) where->next->prev = this;
-    where->next = this;
-}
 TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
 void TVPMLogPluginWarning(const char* msg) { Step("warning %s", msg); }
 void TVPMUnloadDLL(void* dll) { Step("close %p", dll); }

@@ -8,25 +8,17 @@
 
 #include "../TVPM/UTL_timing.cpp"
 #include "support/CountingNew.h"
+#include "support/TimingSamples.h"
+
+using tvpmtest::CollectTimings;
+using tvpmtest::s_collections;
+using tvpmtest::s_samples;
 
 TVPMHooks* gHooks = nullptr;
 
 namespace {
 
-struct Sample {
-    TVPMPluginID plugin;
-    TVPMPluginCallbackType type;
-    double microseconds;
-};
-std::vector<Sample> s_samples;
-int s_collections = 0;
 int s_reports = 0;
-
-void Collect(uint64_t count, const TVPMPluginID* ids, const TVPMPluginCallbackType* types,
-             const double* us) {
-    ++s_collections;
-    for (uint64_t i = 0; i < count; ++i) s_samples.push_back({ids[i], types[i], us[i]});
-}
 
 void CountAssertion(const char*, const char*, int) { ++s_reports; }
 
@@ -52,7 +44,7 @@ TEST_F(Timing, OneTimedCallbackGivesOneSampleOfItsDuration) {
         StCallbackTimer timer(tvpm_cb_flight_loop, 3);
         std::this_thread::sleep_for(std::chrono::microseconds(1500));
     }
-    StCallbackTimer::get_plugin_timings(Collect);
+    StCallbackTimer::get_plugin_timings(CollectTimings);
     ASSERT_EQ(s_samples.size(), 1u);
     EXPECT_EQ(s_samples[0].plugin, 3);
     EXPECT_EQ(s_samples[0].type, tvpm_cb_flight_loop);
@@ -62,7 +54,7 @@ TEST_F(Timing, OneTimedCallbackGivesOneSampleOfItsDuration) {
                                              s_samples[0].microseconds)));  // whole microseconds
 
     s_samples.clear();
-    StCallbackTimer::get_plugin_timings(Collect);
+    StCallbackTimer::get_plugin_timings(CollectTimings);
     EXPECT_EQ(s_collections, 2);  // the host is called even with nothing to report
     EXPECT_TRUE(s_samples.empty());
     EXPECT_EQ(s_reports, 0);
@@ -74,7 +66,7 @@ TEST_F(Timing, SamplesKeepTheirOrderPluginsAndTypes) {
         StCallbackTimer outer(tvpm_cb_drawing_window, 2);
         StCallbackTimer inner(tvpm_cb_drawing_avionics, 4);
     }
-    StCallbackTimer::get_plugin_timings(Collect);
+    StCallbackTimer::get_plugin_timings(CollectTimings);
     ASSERT_EQ(s_samples.size(), 3u);
     EXPECT_EQ(s_samples[0].plugin, 1);
     EXPECT_EQ(s_samples[0].type, tvpm_cb_drawing_misc);
@@ -88,7 +80,7 @@ TEST_F(Timing, SamplesKeepTheirOrderPluginsAndTypes) {
 TEST_F(Timing, SteadyStateTimingDoesNotAllocate) {
     auto frame = [] {
         for (int i = 0; i < 20; ++i) StCallbackTimer t(tvpm_cb_flight_loop, i);
-        StCallbackTimer::get_plugin_timings(Collect);
+        StCallbackTimer::get_plugin_timings(CollectTimings);
     };
     frame();
     s_samples.clear();
@@ -102,10 +94,10 @@ TEST_F(Timing, SteadyStateTimingDoesNotAllocate) {
 TEST_F(Timing, CollectionWithoutAnAssertionHandlerStillWorks) {
     hooks.TVPMHandleAssertFailed_f = nullptr;
     { StCallbackTimer t(tvpm_cb_drawing_panel_legacy, 7); }
-    StCallbackTimer::get_plugin_timings(Collect);
+    StCallbackTimer::get_plugin_timings(CollectTimings);
     ASSERT_EQ(s_samples.size(), 1u);
     EXPECT_EQ(s_samples[0].type, tvpm_cb_drawing_panel_legacy);
     gHooks = nullptr;
-    StCallbackTimer::get_plugin_timings(Collect);
+    StCallbackTimer::get_plugin_timings(CollectTimings);
     EXPECT_EQ(s_collections, 2);
 }
