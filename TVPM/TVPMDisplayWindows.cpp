@@ -38,13 +38,20 @@ void CopyBoundsOut(const int bounds[4], int* outLeft, int* outTop, int* outRight
     if (outBottom) *outBottom = bounds[kBoundsBottom];
 }
 
+// The simulator takes window bounds as four ints: left, bottom, right, top.
+struct HostBounds {
+    HostBounds(int left, int top, int right, int bottom) {
+        v[kBoundsLeft] = left;
+        v[kBoundsBottom] = bottom;
+        v[kBoundsRight] = right;
+        v[kBoundsTop] = top;
+    }
+    int v[4];
+};
+
 void SetHostBounds(TVPMWindow* w, int left, int top, int right, int bottom) {
-    int bounds[4];
-    bounds[kBoundsLeft] = left;
-    bounds[kBoundsBottom] = bottom;
-    bounds[kBoundsRight] = right;
-    bounds[kBoundsTop] = top;
-    gHooks->TVPMSetGuiPluginWindowBounds_f(w, bounds);
+    HostBounds bounds(left, top, right, bottom);
+    gHooks->TVPMSetGuiPluginWindowBounds_f(w, bounds.v);
 }
 
 void TellHostFocus(TVPMWindow* w) {
@@ -238,12 +245,8 @@ TVPM_API void TVPMSetWindowGeometryOS(TVPMWindowID inWindowID, int inLeft, int i
     TVPM_CHECK_THREAD("TVPMSetWindowGeometryOS");
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w || !TVPMWindowIsPoppedOut(w)) return;
-    int bounds[4];
-    bounds[kBoundsLeft] = inLeft;
-    bounds[kBoundsBottom] = inBottom;
-    bounds[kBoundsRight] = inRight;
-    bounds[kBoundsTop] = inTop;
-    gHooks->TVPMSetPopoutWindowOSBounds_f(w, bounds);
+    HostBounds bounds(inLeft, inTop, inRight, inBottom);
+    gHooks->TVPMSetPopoutWindowOSBounds_f(w, bounds.v);
 }
 
 TVPM_API int TVPMWindowIsPoppedOut(TVPMWindowID inWindowID) {
