@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/TVPMLoaderDiscovery.cpp"
+#include "../TVPM/loader/TVPMLoaderDiscovery.cpp"
 #include "support/UnitSteps.h"
 
 namespace {

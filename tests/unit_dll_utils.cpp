@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/TVPMDLLUtils.cpp"
+#include "../TVPM/loader/TVPMDLLUtils.cpp"
 
 namespace fs = std::filesystem;
 

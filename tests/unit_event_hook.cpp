@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/TVPMHost.cpp"
+#include "../TVPM/core/TVPMHost.cpp"
 #include "support/UnitSteps.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "../TVPM/TVPMHostHooks.cpp"
+#include "../TVPM/core/TVPMHostHooks.cpp"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/TVPMLoaderLifecycle.cpp"
+#include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"
 

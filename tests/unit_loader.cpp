@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/TVPMDLLUtils.cpp"
-#include "../TVPM/TVPMLoader.cpp"
-#include "../TVPM/TVPMLoaderContext.cpp"
-#include "../TVPM/TVPMLoaderLifecycle.cpp"
+#include "../TVPM/loader/TVPMDLLUtils.cpp"
+#include "../TVPM/loader/TVPMLoader.cpp"
+#include "../TVPM/loader/TVPMLoaderContext.cpp"
+#include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"
 

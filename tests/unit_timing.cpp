@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "../TVPM/UTL_timing.cpp"
+#include "../TVPM/core/UTL_timing.cpp"
 #include "support/CountingNew.h"
 #include "support/TimingSamples.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "../TVPM/UTL_unicode.cpp"
+#include "../TVPM/utilities/UTL_unicode.cpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/TVPMDLLUtils.cpp"
-#include "../TVPM/TVPMUtilities.cpp"
+#include "../TVPM/loader/TVPMDLLUtils.cpp"
+#include "../TVPM/utilities/TVPMUtilities.cpp"
 
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;

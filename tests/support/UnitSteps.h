@@ -59,6 +59,7 @@ void TVPMWeatherCleanupHook(TVPMPluginID id) {
     Step("TVPMWeatherCleanupHook %d", id);
     gPendingWeatherUpdate = -1;
 }
+void TVPMCheckNothingOwnedBy(TVPMPluginID) {}
 void TVPMDisplaySyncGuiWindowStateWithPluginHook(TVPMPluginID id, int enabled) {
     Step("TVPMDisplaySyncGuiWindowStateWithPluginHook %d %d", id, enabled);
 }

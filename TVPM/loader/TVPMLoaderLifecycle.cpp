@@ -109,6 +109,7 @@ void TVPMRunCleanupHooks(TVPMPluginID id) {
     TVPMSceneryCleanupHook(id);
     TVPMFMODCleanupHook(id);
     TVPMWeatherCleanupHook(id);
+    TVPMCheckNothingOwnedBy(id);
 }
 
 namespace {

@@ -4,11 +4,13 @@
 #include <pthread.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "TVPMHost.h"
+#include "TVPMRecordKit.h"
 
 // ---------------------------------------------------------------------------
 // Host globals, written once by TVPMInitializePlugins.
@@ -95,6 +97,8 @@ struct PluginRecord {
     bool enabled = false;
     int features[kFeatureCount] = {0, 0, 0, 0};
     bool weatherUpdatePending = false;
+    // TVPMCallSite bits whose caught exception was already logged.
+    uint32_t reportedThrows = 0;
     TVPMDeliveryHead outstanding;
     TVPMDeliveryHead pending;
 };
@@ -412,6 +416,39 @@ public:
         }
     }
 
+    // The kit's vocabulary (TVPMRecordKit.h). Handles are record addresses;
+    // Contains compares addresses only, so a stale handle is never read.
+    bool Contains(const void* handle) const {
+        if (!handle) return false;
+        for (T* r = head; r; r = r->get_next())
+            if (r == handle) return !r->is_dead();
+        return false;
+    }
+    size_t CountOwnedBy(TVPMPluginID id) const {
+        size_t n = 0;
+        for (T* r = head; r; r = r->get_next())
+            if (!r->is_dead() && r->plugin == id) ++n;
+        return n;
+    }
+    // Removes (or, during a walk, kills) every live record of plugin id in one
+    // pass; onRemove sees each record first. Returns how many.
+    template <class F>
+    size_t RemoveOwnedBy(TVPMPluginID id, F&& onRemove) {
+        size_t n = 0;
+        BeginIterate();
+        for (T* r = head; r; r = r->get_next()) {
+            if (r->is_dead() || r->plugin != id) continue;
+            onRemove(r);
+            Remove(r);
+            ++n;
+        }
+        EndIterate();
+        return n;
+    }
+    size_t RemoveOwnedBy(TVPMPluginID id) {
+        return RemoveOwnedBy(id, [](T*) {});
+    }
+
     // Read-only views for tests and diagnostics.
     T* Head() const { return head; }
     int IterationDepth() const { return in_iterate; }
@@ -442,8 +479,10 @@ private:
 // Brackets a walk so that every exit path ends it (and purges), and keeps its
 // cursor valid when callbacks re-link records. Forward walks go head to tail
 // (newest or front-most first); records added during a walk land at the head
-// and are not reached. Usage: for (TVPMWalk<T> w(list); T* r = w.Next();) { ... }
-template <class T, bool Backwards>
+// and are not reached. Records killed during the walk are skipped unless the
+// policy is TVPMVisit::kLiveAndRemoved.
+// Usage: for (TVPMWalk<T> w(list); T* r = w.Next();) { ... }
+template <class T, bool Backwards, TVPMVisit Visit = TVPMVisit::kLive>
 class TVPMListWalk {
     using Cursor = typename TVPMResourceList<T>::Cursor;
 
@@ -463,7 +502,8 @@ public:
     // The next live record, or null at the end.
     T* Next() {
         T*& cur = cursor.next;
-        while (cur && cur->is_dead()) cur = Step(cur);
+        if (Visit == TVPMVisit::kLive)
+            while (cur && cur->is_dead()) cur = Step(cur);
         T* r = cur;
         if (cur) cur = Step(cur);
         return r;
@@ -476,8 +516,10 @@ private:
     Cursor cursor;
 };
 
-template <class T>
-using TVPMWalk = TVPMListWalk<T, false>;
+template <class T, TVPMVisit Visit = TVPMVisit::kLive>
+using TVPMWalk = TVPMListWalk<T, false, Visit>;
 // From the tail (back-most) towards the head (front-most).
-template <class T>
-using TVPMReverseWalk = TVPMListWalk<T, true>;
+template <class T, TVPMVisit Visit = TVPMVisit::kLive>
+using TVPMReverseWalk = TVPMListWalk<T, true, Visit>;
+
+#include "TVPMCallPlugin.h"

@@ -21,10 +21,12 @@ TVPMHotKeyInfoRecord* FindHotKey(TVPMHotKeyID id) {
 bool TVPMDisplayFireHotKey(TVPMKeyFlags flags, char virtualCode) {
     for (TVPMWalk<TVPMHotKeyInfoRecord> walk(gHotKeys); auto* r = walk.Next();) {
         if (r->vkey != virtualCode || r->flags != flags) continue;
-        StDispatchCallback scope(r->owner);
-        if (!scope()) continue;
-        if (r->callback) r->callback(r->refcon);
-        return true;
+        const auto callback = r->callback;
+        const auto refcon = r->refcon;
+        const TVPMCalled called = TVPMCallPlugin(r->owner, TVPMCallSite::kHotKey, [&] {
+            if (callback) callback(refcon);
+        });
+        if (called != TVPMCalled::kNo) return true;
     }
     return false;
 }

@@ -1,0 +1,116 @@
+// TVPMCallPlugin.h: the one way to call into plugin code: dispatch scope, optional timing, and the exception policy.
+//
+// Every call from the library into a plugin goes through TVPMCallPlugin (or,
+// for the loader's TPluginStart/TPluginStop, which run before and after the
+// plugin is callable, TVPMGuardPluginCall inside the loader's own context).
+//
+//   int handled = 1;   // the neutral answer, kept if the plugin throws
+//   TVPMCallPlugin(r->plugin, TVPMCallSite::kCommand,
+//                  [&] { handled = r->callback(cmd, phase, r->refcon); });
+//
+// The exception policy: no C++ exception from a plugin crosses into the
+// simulator's C frames. It is caught, logged once per plugin and site kind as
+// "[plugin name]: ...", and the call counts as having returned whatever the
+// caller initialised its result to (its neutral value). Forced unwinding
+// (thread cancellation) is never swallowed.
+//
+// Plugin thread only.
+#pragma once
+
+#include <cxxabi.h>
+
+#include <exception>
+#include <utility>
+
+#include "UTL_timing.h"
+
+// What kind of callback is being called; each kind is reported once per plugin.
+enum class TVPMCallSite : unsigned {
+    kStart,
+    kEnable,
+    kDisable,
+    kStop,
+    kMessage,
+    kErrorCallback,
+    kDelivery,
+    kFlightLoop,
+    kDataAccessor,
+    kSharedData,
+    kDataNotification,
+    kCommand,
+    kMenu,
+    kDraw,
+    kWindow,
+    kKey,
+    kHotKey,
+    kAvionics,
+    kMapLayer,
+    kMapCreation,
+    kCamera,
+    kAIControl,
+    kObjectLoaded,
+    kSound,
+    kCount
+};
+static_assert(static_cast<unsigned>(TVPMCallSite::kCount) <= 32, "sites are kept in a 32-bit mask");
+
+// The site's name in log lines ("draw callback", "TPluginStart", ...).
+const char* TVPMCallSiteName(TVPMCallSite site);
+
+// Logs the caught exception under the plugin's name, once per plugin and site.
+// what is null when the exception was not a std::exception.
+void TVPMReportPluginThrow(TVPMPluginID id, TVPMCallSite site, const char* what)
+    __attribute__((cold, noinline));
+
+enum class TVPMCalled {
+    kNo,        // the plugin is not callable (disabled or gone); fn did not run
+    kReturned,  // fn ran and returned
+    kThrew,     // fn ran and threw; the exception was caught and reported
+};
+
+// Runs fn, catching what it throws under the policy above. The caller has
+// already made id the current plugin.
+template <class F>
+inline TVPMCalled TVPMGuardPluginCall(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+    try {
+        std::forward<F>(fn)();
+        return TVPMCalled::kReturned;
+    } catch (abi::__forced_unwind&) {
+        throw;
+    } catch (const std::exception& e) {
+        TVPMReportPluginThrow(id, site, e.what());
+    } catch (...) {
+        TVPMReportPluginThrow(id, site, nullptr);
+    }
+    return TVPMCalled::kThrew;
+}
+
+// Calls fn with plugin id current when id may be called (it is enabled).
+template <class F>
+inline TVPMCalled TVPMCallPlugin(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+    StDispatchCallback scope(id);
+    if (!scope()) return TVPMCalled::kNo;
+    return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
+}
+
+// The same, timed under category for the host's callback timings.
+template <class F>
+inline TVPMCalled TVPMCallPluginTimed(TVPMPluginID id, TVPMCallSite site,
+                                      TVPMPluginCallbackType category, F&& fn) {
+    StDispatchCallback scope(id);
+    if (!scope()) return TVPMCalled::kNo;
+    StCallbackTimer timer(category, id);
+    return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
+}
+
+// The library acting as the simulator itself (plugin ID 0) for the scope's
+// lifetime: host events, menu picks the simulator owns, notifications it sends.
+class StActingAsSimulator {
+public:
+    StActingAsSimulator() : scope_(0) {}
+    StActingAsSimulator(const StActingAsSimulator&) = delete;
+    StActingAsSimulator& operator=(const StActingAsSimulator&) = delete;
+
+private:
+    StDispatchCallback scope_;
+};
