@@ -11,6 +11,10 @@ namespace {
 bool s_busy = false;
 }  // namespace
 
+TVPMHooks* gHooks = nullptr;
+void* gSelf = nullptr;
+char gDirSeparator[2] = {0, 0};
+pthread_t gPluginThread;
 TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;

@@ -22,6 +22,7 @@
 #include <exception>
 #include <utility>
 
+#include "TVPMDispatch.h"
 #include "UTL_timing.h"
 
 // What kind of callback is being called; each kind is reported once per plugin.

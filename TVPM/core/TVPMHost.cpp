@@ -8,10 +8,6 @@
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
-TVPMHooks* gHooks = nullptr;
-void* gSelf = nullptr;
-char gDirSeparator[2] = {0, 0};
-pthread_t gPluginThread;
 
 namespace {
 

@@ -7,10 +7,6 @@
 #include "TVPMDLLUtils.h"
 #include "TVPMPrivate.h"
 
-TVPMPluginTable gAllPlugins;
-TVPMPluginID gDispatchedPlugin = 0;
-TVPMPluginID gClientPlugin = 0;
-TVPMDeliveryHead orphaned;
 
 namespace {
 
@@ -49,61 +45,7 @@ void CopyField(char* out, const std::string& value) {
 
 }  // namespace
 
-// ---- Deliveries ---------------------------------------------------------------
-
-void TVPMQueueDelivery(TVPMDelivery* d) {
-    PluginRecord* r = TVPMGetPluginRecord(d->plugin);
-    if (!r) {
-        TVPMSendError("Internal error: async queue pending but the plugin ID is invalid.");
-        return;
-    }
-    r->outstanding.PushFront(d);
-}
-
-void TVPMSendDelivery(TVPMDelivery* d) {
-    d->Unlink();
-    if (d->plugin == TVPM_NO_PLUGIN_ID) {
-        d->DeliverToPlugin(true);
-        return;
-    }
-    PluginRecord* r = TVPMGetPluginRecord(d->plugin);
-    if (!r) {  // not a plugin any more: only let the delivery release itself
-        d->DeliverToPlugin(true);
-        return;
-    }
-    StDispatchCallback scope(d->plugin);
-    if (scope())
-        d->DeliverToPlugin(false);
-    else
-        r->pending.PushFront(d);
-}
-
 // ---- Error reporting ------------------------------------------------------------
-
-void TVPMSendErrorTo(const char* msg, TVPMPluginID who) {
-    const PluginRecord* r = TVPMGetPluginRecord(who);
-    if (r && r->errorFunc) r->errorFunc(msg);
-}
-
-void TVPMSendError(const char* msg) { TVPMSendErrorTo(msg, gDispatchedPlugin); }
-
-int TVPMHasError() {
-    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
-    return r && r->errorFunc ? 1 : 0;
-}
-
-void TVPMLogPluginWarning(const char* msg) {
-    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
-    if (r) {
-        TVPMDebugString("[");
-        TVPMDebugString(r->name.c_str());
-        TVPMDebugString("]: ");
-    } else {
-        TVPMDebugString("[unknown]: ");
-    }
-    TVPMDebugString(msg);
-    TVPMDebugString("\n");
-}
 
 TVPM_API void TVPMSetErrorCallback(TVPMError_f inCallback) {
     PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
@@ -160,6 +102,18 @@ const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
     if (out_id) *out_id = id;
     return r->name.c_str();
 }
+
+// Off the plugin thread the current plugin means nothing: name the first
+// plugin whose code is on the caller's stack.
+TVPM_API const char* TVPMDebugGetCurrentPluginName(void) {
+    if (pthread_equal(pthread_self(), gPluginThread)) return DebugCurrentPluginName();
+    for (int depth = 0; depth < 10; ++depth) {
+        const PluginRecord* r = TVPMGetPluginRecord(TVPMPluginFromDLL(TVPMGetDLLForCaller(depth)));
+        if (r && r->dllRef) return r->name.c_str();
+    }
+    return "";
+}
+
 
 // ---- Messages ----------------------------------------------------------------------
 

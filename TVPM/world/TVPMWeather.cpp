@@ -6,4 +6,11 @@ void TVPMWeatherEnableHook(TVPMPluginID) {}
 void TVPMWeatherDisableHook(TVPMPluginID) {}
 void TVPMWeatherCleanupHook(TVPMPluginID) {}
 
-TVPMPluginID gPendingWeatherUpdate = -1;
+void TVPMReportUnclosedWeatherUpdate() {
+    const TVPMPluginID id = gDispatchedPlugin;
+    TVPMWeatherCleanupHook(id);
+    TVPMLogPluginWarning(
+        "TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate() from the same "
+        "callback. This is a plugin bug.");
+    TVPMSendErrorTo("TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate()", id);
+}

@@ -1,15 +1,15 @@
-// TVPMLoaderContext.cpp: who is calling: the plugin-thread check, current-plugin names and the end-of-callback weather check.
+// TVPMDispatch.cpp: the plugin-thread check, and the flag behind the end-of-callback weather check.
 #include <execinfo.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 #include "TVPMDLLUtils.h"
 #include "TVPMPrivate.h"
-#include "TVPMUnitHooks.h"
+
+TVPMPluginID gPendingWeatherUpdate = -1;
 
 namespace {
 
@@ -34,15 +34,6 @@ void PrintAndLog(const char* line) {
     TVPMDebugString(line);
 }
 
-const char* DebugPluginField(std::string PluginRecord::*field) {
-    TVPMPluginID id = gDispatchedPlugin;
-    if (id == -1) return "[NO_PLUGIN_ID]";
-    if (id == 0) return "[TVPM_PLUGIN_TORVANE]";
-    if (id < 0) return "[Bad plugin ID low]";
-    if (id >= TVPMCountPlugins()) return "[Bad plugin ID high]";
-    return (gAllPlugins[static_cast<size_t>(id)].*field).c_str();
-}
-
 __attribute__((noinline, noreturn)) void ReportThreadViolation(TVPMPluginID offender,
                                                                 const char* func,
                                                                 const char* file, int line) {
@@ -63,25 +54,4 @@ __attribute__((noinline)) void __TVPMValidateThreadSafety(const char* func, cons
                                                           int line) {
     if (pthread_equal(pthread_self(), gPluginThread)) return;
     ReportThreadViolation(OffendingPlugin(__builtin_return_address(0)), func, file, line);
-}
-
-const char* DebugCurrentPluginName() { return DebugPluginField(&PluginRecord::name); }
-const char* DebugCurrentPluginSignature() { return DebugPluginField(&PluginRecord::signature); }
-
-TVPM_API const char* TVPMDebugGetCurrentPluginName(void) {
-    if (pthread_equal(pthread_self(), gPluginThread)) return DebugCurrentPluginName();
-    for (int depth = 0; depth < 10; ++depth) {
-        const PluginRecord* r = TVPMGetPluginRecord(TVPMPluginFromDLL(TVPMGetDLLForCaller(depth)));
-        if (r && r->dllRef) return r->name.c_str();
-    }
-    return "";
-}
-
-void TVPMReportUnclosedWeatherUpdate() {
-    const TVPMPluginID id = gDispatchedPlugin;
-    TVPMWeatherCleanupHook(id);
-    TVPMLogPluginWarning(
-        "TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate() from the same "
-        "callback. This is a plugin bug.");
-    TVPMSendErrorTo("TVPMBeginWeatherUpdate() called without matching TVPMEndWeatherUpdate()", id);
 }

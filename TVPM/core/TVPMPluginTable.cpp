@@ -1,0 +1,55 @@
+// TVPMPluginTable.cpp: the plugin table, the host globals, naming the current plugin and error reporting to plugins.
+#include <string>
+
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMUtilities.h"
+#include "TVPMPluginTable.h"
+
+TVPMHooks* gHooks = nullptr;
+void* gSelf = nullptr;
+char gDirSeparator[2] = {0, 0};
+pthread_t gPluginThread;
+TVPMPluginTable gAllPlugins;
+TVPMPluginID gDispatchedPlugin = 0;
+TVPMPluginID gClientPlugin = 0;
+
+namespace {
+
+const char* DebugPluginField(std::string PluginRecord::*field) {
+    TVPMPluginID id = gDispatchedPlugin;
+    if (id == -1) return "[NO_PLUGIN_ID]";
+    if (id == 0) return "[TVPM_PLUGIN_TORVANE]";
+    if (id < 0) return "[Bad plugin ID low]";
+    if (id >= TVPMCountPlugins()) return "[Bad plugin ID high]";
+    return (gAllPlugins[static_cast<size_t>(id)].*field).c_str();
+}
+
+}  // namespace
+
+const char* DebugCurrentPluginName() { return DebugPluginField(&PluginRecord::name); }
+const char* DebugCurrentPluginSignature() { return DebugPluginField(&PluginRecord::signature); }
+
+void TVPMSendErrorTo(const char* msg, TVPMPluginID who) {
+    const PluginRecord* r = TVPMGetPluginRecord(who);
+    if (r && r->errorFunc) r->errorFunc(msg);
+}
+
+void TVPMSendError(const char* msg) { TVPMSendErrorTo(msg, gDispatchedPlugin); }
+
+int TVPMHasError() {
+    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    return r && r->errorFunc ? 1 : 0;
+}
+
+void TVPMLogPluginWarning(const char* msg) {
+    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    if (r) {
+        TVPMDebugString("[");
+        TVPMDebugString(r->name.c_str());
+        TVPMDebugString("]: ");
+    } else {
+        TVPMDebugString("[unknown]: ");
+    }
+    TVPMDebugString(msg);
+    TVPMDebugString("\n");
+}

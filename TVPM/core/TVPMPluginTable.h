@@ -1,0 +1,127 @@
+// TVPMPluginTable.h: the plugin table, the host globals, the current plugin and error reporting to plugins.
+#pragma once
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "TVPMDeliveries.h"
+#include "TVPMHost.h"
+
+// ---------------------------------------------------------------------------
+// Host globals, written once by TVPMInitializePlugins.
+
+extern TVPMHooks* gHooks;
+extern void* gSelf;
+extern char gDirSeparator[2];
+extern pthread_t gPluginThread;
+
+// ---------------------------------------------------------------------------
+// The plugin table.
+
+typedef int (*TVPMPluginStart_f)(char* outName, char* outSignature, char* outDescription);
+typedef void (*TVPMPluginStop_f)(void);
+typedef int (*TVPMPluginEnable_f)(void);
+typedef void (*TVPMPluginDisable_f)(void);
+typedef void (*TVPMPluginReceiveMessage_f)(TVPMPluginID inFrom, int inMessage, void* inParam);
+typedef void (*TVPMErrorCallback_f)(const char* inMessage);
+
+enum TVPMFeatureIndex {
+    kFeatureWantsReflections = 0,
+    kFeatureUseNativePaths = 1,
+    kFeatureUseNativeWidgetWindows = 2,
+    kFeatureWantsDatarefNotifications = 3,
+    kFeatureCount = 4,
+};
+
+struct PluginRecord {
+    void* dllRef = nullptr;
+    std::string name, path, signature, description;
+    TVPMPluginStop_f exitFunc = nullptr;
+    TVPMPluginEnable_f enableFunc = nullptr;
+    TVPMPluginDisable_f disableFunc = nullptr;
+    TVPMPluginReceiveMessage_f receiveMessageFunc = nullptr;
+    TVPMErrorCallback_f errorFunc = nullptr;
+    bool enabled = false;
+    int features[kFeatureCount] = {0, 0, 0, 0};
+    bool weatherUpdatePending = false;
+    // TVPMCallSite bits whose caught exception was already logged.
+    uint32_t reportedThrows = 0;
+    TVPMDeliveryHead outstanding;
+    TVPMDeliveryHead pending;
+};
+
+// The plugin table, indexed by TVPMPluginID. Records are held by pointer so
+// that they (and the delivery queue heads inside them) never move while
+// plugins are appended or trimmed, and so that finding a record on the hot
+// paths is one indexed load.
+class TVPMPluginTable {
+public:
+    size_t size() const { return records_.size(); }
+    bool empty() const { return records_.empty(); }
+    PluginRecord& operator[](size_t id) const { return *records_[id]; }
+    PluginRecord& back() const { return *records_.back(); }
+    PluginRecord& emplace_back() {
+        records_.push_back(std::make_unique<PluginRecord>());
+        return *records_.back();
+    }
+    void pop_back() { records_.pop_back(); }
+    void clear() { records_.clear(); }
+    void resize(size_t n) {
+        while (records_.size() > n) records_.pop_back();
+        while (records_.size() < n) emplace_back();
+    }
+
+    class iterator {
+    public:
+        explicit iterator(const std::unique_ptr<PluginRecord>* p) : p_(p) {}
+        PluginRecord& operator*() const { return **p_; }
+        iterator& operator++() {
+            ++p_;
+            return *this;
+        }
+        bool operator!=(const iterator& o) const { return p_ != o.p_; }
+
+    private:
+        const std::unique_ptr<PluginRecord>* p_;
+    };
+    iterator begin() const { return iterator(records_.data()); }
+    iterator end() const { return iterator(records_.data() + records_.size()); }
+
+private:
+    std::vector<std::unique_ptr<PluginRecord>> records_;
+};
+
+extern TVPMPluginTable gAllPlugins;
+
+// The plugin being called now (0 the host, -1 none) and the one that was
+// current when it was entered.
+extern TVPMPluginID gDispatchedPlugin;
+extern TVPMPluginID gClientPlugin;
+
+inline bool TVPMIsValidPluginID(TVPMPluginID id) {
+    return id >= 0 && static_cast<size_t>(id) < gAllPlugins.size();
+}
+inline PluginRecord* TVPMGetPluginRecord(TVPMPluginID id) {
+    return TVPMIsValidPluginID(id) ? &gAllPlugins[static_cast<size_t>(id)] : nullptr;
+}
+
+inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
+inline int TVPMGetDispatchedPlugin() { return gDispatchedPlugin; }
+inline void TVPMSetClientPlugin(int id) { gClientPlugin = id; }
+inline int TVPMGetClientPlugin() { return gClientPlugin; }
+
+// Error reporting to the current plugin's error callback (nothing is logged).
+void TVPMSendError(const char* msg);
+int TVPMHasError();
+void TVPMSendErrorTo(const char* msg, TVPMPluginID who);
+// Logs "[name]: msg" for the current plugin.
+void TVPMLogPluginWarning(const char* msg);
+// The current plugin's name and signature for log lines, or a bracketed
+// placeholder for the host, no plugin or a bad ID.
+const char* DebugCurrentPluginName();
+const char* DebugCurrentPluginSignature();

@@ -1,0 +1,10 @@
+// TVPMLoader.h: the loader's queries that other units use: features, and which plugin a library or code address belongs to.
+#pragma once
+
+#include "TVPMHost.h"
+
+int TVPMHasFeatureInternal(TVPMPluginID id, int index);
+// The plugin whose library handle is dll, or -1.
+TVPMPluginID TVPMPluginFromDLL(void* dll);
+// The name of the plugin whose library holds ip (and its ID in out_id), or null.
+const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id);
