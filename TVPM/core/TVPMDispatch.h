@@ -47,4 +47,6 @@ private:
 
 void __TVPMValidateThreadSafety(const char* func, const char* file, int line);
 
-#define TVPM_CHECK_THREAD(name) __TVPMValidateThreadSafety(name, __FILE__, __LINE__)
+// Names the checked function itself, so a moved or renamed function cannot
+// report under a stale name.
+#define TVPM_CHECK_THREAD() __TVPMValidateThreadSafety(__func__, __FILE__, __LINE__)

@@ -17,3 +17,4 @@ void TVPMDisplayDoAvionicsBezelHook(int, void*, float*) {}
 int TVPMDisplayNeedsAvionicsScreenHook(int, void*, int) { return 0; }
 int TVPMDisplayDoAvionicsScreenHook(int, void*, int) { return 0; }
 void TVPMDisplayDoAvionicsKeyHook(int, char, TVPMKeyFlags, char, int, void*) {}
+void TVPMDisplayAvionicsCleanupHook(TVPMPluginID) {}

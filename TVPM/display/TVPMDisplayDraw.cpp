@@ -127,7 +127,7 @@ int TVPMDispatchDrawingHook(TVPMDrawingPhase inPhase, int isBefore, int render_t
 }
 
 int TVPMDisplayNeedsDrawingHook(TVPMDrawingHookKind inKind, int inRenderType) {
-    TVPM_CHECK_THREAD("TVPMDisplayNeedsDrawingHook");
+    TVPM_CHECK_THREAD();
     DrawingHookCallSpec callSpec;
     if (!drawingHookKindToCallSpec(inKind, callSpec)) return 0;
     if (AnyCallbackNeeds(callSpec, inRenderType)) return 1;
@@ -135,7 +135,7 @@ int TVPMDisplayNeedsDrawingHook(TVPMDrawingHookKind inKind, int inRenderType) {
 }
 
 int TVPMDisplayDoDrawingHook(TVPMDrawingHookKind inKind, int inRenderType, void* inFixedWindow) {
-    TVPM_CHECK_THREAD("TVPMDisplayDoDrawingHook");
+    TVPM_CHECK_THREAD();
     DrawingHookCallSpec callSpec;
     if (!drawingHookKindToCallSpec(inKind, callSpec)) return 1;
     const int result = callSpec.doBefore ? TVPMDispatchDrawingHook(callSpec.phase, 1, inRenderType) : 1;
@@ -148,7 +148,7 @@ int TVPMDisplayDoDrawingHook(TVPMDrawingHookKind inKind, int inRenderType, void*
 
 TVPM_API int TVPMRegisterDrawCallback(TVPMDrawCallback_f inCallback, TVPMDrawingPhase inPhase,
                                       int inWantsBefore, void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMRegisterDrawCallback");
+    TVPM_CHECK_THREAD();
     if (!inCallback) return 0;
     // Held over the scan and the insertion; the scan also sees records removed
     // during a walk, which count as registered until the walk ends.
@@ -164,7 +164,7 @@ TVPM_API int TVPMRegisterDrawCallback(TVPMDrawCallback_f inCallback, TVPMDrawing
 
 TVPM_API int TVPMUnregisterDrawCallback(TVPMDrawCallback_f inCallback, TVPMDrawingPhase inPhase,
                                         int inWantsBefore, void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMUnregisterDrawCallback");
+    TVPM_CHECK_THREAD();
     TVPMDrawCallbackRecord* found = nullptr;
     for (TVPMWalk<TVPMDrawCallbackRecord> walk(gDrawCallbacks); auto* r = walk.Next();) {
         if (r->callback == inCallback && r->phase == inPhase && r->preCallback == inWantsBefore &&

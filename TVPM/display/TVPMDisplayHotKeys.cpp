@@ -34,7 +34,7 @@ bool TVPMDisplayFireHotKey(TVPMKeyFlags flags, char virtualCode) {
 TVPM_API TVPMHotKeyID TVPMRegisterHotKey(char inVirtualKey, TVPMKeyFlags inFlags,
                                          const char* inDescription, TVPMHotKey_f inCallback,
                                          void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMRegisterHotKey");
+    TVPM_CHECK_THREAD();
     auto* r = new TVPMHotKeyInfoRecord(gDispatchedPlugin, inVirtualKey, inFlags, inDescription,
                                        inCallback, inRefcon);
     gHotKeys.Add(r);
@@ -42,12 +42,12 @@ TVPM_API TVPMHotKeyID TVPMRegisterHotKey(char inVirtualKey, TVPMKeyFlags inFlags
 }
 
 TVPM_API void TVPMUnregisterHotKey(TVPMHotKeyID inHotKey) {
-    TVPM_CHECK_THREAD("TVPMUnregisterHotKey");
+    TVPM_CHECK_THREAD();
     if (TVPMHotKeyInfoRecord* r = FindHotKey(inHotKey)) gHotKeys.Remove(r);
 }
 
 TVPM_API int TVPMCountHotKeys(void) {
-    TVPM_CHECK_THREAD("TVPMCountHotKeys");
+    TVPM_CHECK_THREAD();
     int count = 0;
     for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next())
         if (!r->is_dead()) ++count;
@@ -55,7 +55,7 @@ TVPM_API int TVPMCountHotKeys(void) {
 }
 
 TVPM_API TVPMHotKeyID TVPMGetNthHotKey(int inIndex) {
-    TVPM_CHECK_THREAD("TVPMGetNthHotKey");
+    TVPM_CHECK_THREAD();
     if (inIndex < 0) return nullptr;
     for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next()) {
         if (r->is_dead()) continue;
@@ -67,7 +67,7 @@ TVPM_API TVPMHotKeyID TVPMGetNthHotKey(int inIndex) {
 TVPM_API void TVPMGetHotKeyInfo(TVPMHotKeyID inHotKey, char* outVirtualKey,
                                 TVPMKeyFlags* outFlags, char* outDescription,
                                 TVPMPluginID* outPlugin) {
-    TVPM_CHECK_THREAD("TVPMGetHotKeyInfo");
+    TVPM_CHECK_THREAD();
     const TVPMHotKeyInfoRecord* r = FindHotKey(inHotKey);
     if (!r) return;
     if (outVirtualKey) *outVirtualKey = r->vkey;
@@ -78,7 +78,7 @@ TVPM_API void TVPMGetHotKeyInfo(TVPMHotKeyID inHotKey, char* outVirtualKey,
 
 TVPM_API void TVPMSetHotKeyCombination(TVPMHotKeyID inHotKey, char inVirtualKey,
                                        TVPMKeyFlags inFlags) {
-    TVPM_CHECK_THREAD("TVPMSetHotKeyCombination");
+    TVPM_CHECK_THREAD();
     if (TVPMHotKeyInfoRecord* r = FindHotKey(inHotKey)) {
         r->vkey = inVirtualKey;
         r->flags = inFlags;

@@ -108,7 +108,7 @@ bool SameSniffer(const TVPMKeyCallbackRecord* r, TVPMKeySniffer_f cb, int before
 
 int TVPMDisplayMouseClickHook(int inX, int inY, TVPMMouseStatus inStatus, int button_0_or_1,
                               void* inFixedWindow) {
-    TVPM_CHECK_THREAD("TVPMDisplayMouseClickHook");
+    TVPM_CHECK_THREAD();
     if (inStatus == tvpm_MouseDown) return MouseDown(inX, inY, button_0_or_1, inFixedWindow);
     if (inStatus == tvpm_MouseDrag || inStatus == tvpm_MouseUp)
         return MouseDragOrUp(inX, inY, inStatus, button_0_or_1, inFixedWindow);
@@ -117,7 +117,7 @@ int TVPMDisplayMouseClickHook(int inX, int inY, TVPMMouseStatus inStatus, int bu
 
 // The window holding the mouse gets a drag every frame, moved or not.
 void TVPMDisplayMouseDragHook(void* inFixedWindow) {
-    TVPM_CHECK_THREAD("TVPMDisplayMouseDragHook");
+    TVPM_CHECK_THREAD();
     if (!inFixedWindow && !gDragWindow) return;
     int x = 0, y = 0;
     TVPMDisplayReadMouse(gDragWindow, x, y);
@@ -126,7 +126,7 @@ void TVPMDisplayMouseDragHook(void* inFixedWindow) {
 }
 
 TVPMCursorStatus TVPMDisplayCursorHook(int inX, int inY, void* inFixedWindow) {
-    TVPM_CHECK_THREAD("TVPMDisplayCursorHook");
+    TVPM_CHECK_THREAD();
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();) {
         if (!should_deliver_mouse_hook(w, inX, inY, inFixedWindow)) continue;
         StDispatchCallback scope(w->plugin);
@@ -138,7 +138,7 @@ TVPMCursorStatus TVPMDisplayCursorHook(int inX, int inY, void* inFixedWindow) {
 }
 
 int TVPMDisplayScrollWheelHook(int inX, int inY, int inWheel, int inClicks, void* inFixedWindow) {
-    TVPM_CHECK_THREAD("TVPMDisplayScrollWheelHook");
+    TVPM_CHECK_THREAD();
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();) {
         if (!should_deliver_mouse_hook(w, inX, inY, inFixedWindow)) continue;
         StDispatchCallback scope(w->plugin);
@@ -155,7 +155,7 @@ int TVPMDisplayScrollWheelHook(int inX, int inY, int inWheel, int inClicks, void
 // first call that consumes the key.
 int TVPMDisplayKeyPressHook(char charCode, TVPMKeyFlags flags, char virtualCode, int phase,
                             void* inFixedWindow) {
-    TVPM_CHECK_THREAD("TVPMDisplayKeyPressHook");
+    TVPM_CHECK_THREAD();
     if (!flags && !charCode && !virtualCode) return kNotConsumed;
     switch (phase) {
         case kKeyPhaseBeforeWindows: return KeyBeforeWindows(charCode, flags, virtualCode);
@@ -167,7 +167,7 @@ int TVPMDisplayKeyPressHook(char charCode, TVPMKeyFlags flags, char virtualCode,
 
 TVPM_API int TVPMRegisterKeySniffer(TVPMKeySniffer_f inCallback, int inBeforeWindows,
                                     void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMRegisterKeySniffer");
+    TVPM_CHECK_THREAD();
     if (!inCallback) return 0;
     TVPMWalk<TVPMKeyCallbackRecord> walk(gKeyCallbacks);
     while (auto* r = walk.Next())
@@ -179,7 +179,7 @@ TVPM_API int TVPMRegisterKeySniffer(TVPMKeySniffer_f inCallback, int inBeforeWin
 
 TVPM_API int TVPMUnregisterKeySniffer(TVPMKeySniffer_f inCallback, int inBeforeWindows,
                                       void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMUnregisterKeySniffer");
+    TVPM_CHECK_THREAD();
     TVPMKeyCallbackRecord* found = nullptr;
     {
         TVPMWalk<TVPMKeyCallbackRecord> walk(gKeyCallbacks);

@@ -13,9 +13,6 @@ void RemoveAllOf(TVPMResourceList<T>& list, TVPMPluginID id, OwnerOf ownerOf) {
 
 }  // namespace
 
-// Stands in until the avionics unit defines the real one.
-__attribute__((weak)) void TVPMDisplayAvionicsCleanupHook(TVPMPluginID) {}
-
 void TVPMDisplayEnableHook(TVPMPluginID id) {
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
         if (w->plugin == id && w->isGuiBacked && w->visible) gHooks->TVPMShowGuiPluginWindow_f(w);

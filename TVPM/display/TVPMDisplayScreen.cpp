@@ -7,7 +7,7 @@
 TVPM_API void TVPMSetWindowGravity(TVPMWindowID inWindowID, float inLeftGravity,
                                    float inTopGravity, float inRightGravity,
                                    float inBottomGravity) {
-    TVPM_CHECK_THREAD("TVPMSetWindowGravity");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMSetWindowGravity_f(inWindowID, inLeftGravity, inTopGravity, inRightGravity,
                                    inBottomGravity);
 }
@@ -15,7 +15,7 @@ TVPM_API void TVPMSetWindowGravity(TVPMWindowID inWindowID, float inLeftGravity,
 TVPM_API void TVPMSetWindowResizingLimits(TVPMWindowID inWindowID, int inMinWidthBoxels,
                                           int inMinHeightBoxels, int inMaxWidthBoxels,
                                           int inMaxHeightBoxels) {
-    TVPM_CHECK_THREAD("TVPMSetWindowResizingLimits");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMSetWindowResizingLimits_f(inWindowID, inMinWidthBoxels, inMinHeightBoxels,
                                           inMaxWidthBoxels, inMaxHeightBoxels);
 }
@@ -23,47 +23,47 @@ TVPM_API void TVPMSetWindowResizingLimits(TVPMWindowID inWindowID, int inMinWidt
 TVPM_API void TVPMSetWindowPositioningMode(TVPMWindowID inWindowID,
                                            TVPMWindowPositioningMode inPositioningMode,
                                            int inMonitorIndex) {
-    TVPM_CHECK_THREAD("TVPMSetWindowPositioningMode");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMSetWindowPositioningMode_f(inWindowID, inPositioningMode, inMonitorIndex);
 }
 
 TVPM_API void TVPMSetWindowTitle(TVPMWindowID inWindowID, const char* inWindowTitle) {
-    TVPM_CHECK_THREAD("TVPMSetWindowTitle");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMSetWindowTitle_f(inWindowID, inWindowTitle);
 }
 
 // ---- Screen and mouse ---------------------------------------------------------------
 
 TVPM_API void TVPMGetScreenSize(int* outWidth, int* outHeight) {
-    TVPM_CHECK_THREAD("TVPMGetScreenSize");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMGetScreenSize_f(outWidth, outHeight);
 }
 
 TVPM_API void TVPMGetScreenBoundsGlobal(int* outLeft, int* outTop, int* outRight,
                                         int* outBottom) {
-    TVPM_CHECK_THREAD("TVPMGetScreenBoundsGlobal");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMGetScreenBoundsGlobal_f(outLeft, outTop, outRight, outBottom);
 }
 
 TVPM_API void TVPMGetAllMonitorBoundsGlobal(TVPMReceiveMonitorBoundsGlobal_f inMonitorBoundsCallback,
                                             void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMGetAllMonitorBoundsGlobal");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMGetAllMonitorBoundsGlobal_f(inMonitorBoundsCallback, inRefcon);
 }
 
 TVPM_API void TVPMGetAllMonitorBoundsOS(TVPMReceiveMonitorBoundsOS_f inMonitorBoundsCallback,
                                         void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMGetAllMonitorBoundsOS");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMGetAllMonitorBoundsOS_f(inMonitorBoundsCallback, inRefcon);
 }
 
 TVPM_API void TVPMGetMouseLocation(int* outX, int* outY) {
-    TVPM_CHECK_THREAD("TVPMGetMouseLocation");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMGetMouseLocation_f(outX, outY, 0);
 }
 
 TVPM_API void TVPMGetMouseLocationGlobal(int* outX, int* outY) {
-    TVPM_CHECK_THREAD("TVPMGetMouseLocationGlobal");
+    TVPM_CHECK_THREAD();
     gHooks->TVPMGetMouseLocationGlobal_f(outX, outY, 0);
 }
 

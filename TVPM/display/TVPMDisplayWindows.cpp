@@ -163,7 +163,7 @@ TVPM_API TVPMWindowID TVPMCreateWindow(int inLeft, int inTop, int inRight, int i
                                        int inIsVisible, TVPMDrawWindow_f inDrawCallback,
                                        TVPMHandleKey_f inKeyCallback,
                                        TVPMHandleMouseClick_f inMouseCallback, void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMCreateWindow");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = NewWindow(inIsVisible, inDrawCallback, inKeyCallback, inMouseCallback, inRefcon);
     SetPlainRect(w, inLeft, inTop, inRight, inBottom);
     gWindows.Add(w);
@@ -171,7 +171,7 @@ TVPM_API TVPMWindowID TVPMCreateWindow(int inLeft, int inTop, int inRight, int i
 }
 
 TVPM_API TVPMWindowID TVPMCreateWindowEx(TVPMCreateWindow_t* inParams) {
-    TVPM_CHECK_THREAD("TVPMCreateWindowEx");
+    TVPM_CHECK_THREAD();
     if (!inParams) return nullptr;
     const int size = inParams->structSize;
     if (size != kCreateWindowPlainSize && size != kCreateWindowGuiSize) return nullptr;
@@ -198,7 +198,7 @@ TVPM_API TVPMWindowID TVPMCreateWindowEx(TVPMCreateWindow_t* inParams) {
 }
 
 TVPM_API void TVPMDestroyWindow(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMDestroyWindow");
+    TVPM_CHECK_THREAD();
     if (TVPMWindow* w = TVPMFindWindow(inWindowID)) TVPMDisplayDestroyWindowRecord(w);
 }
 
@@ -206,7 +206,7 @@ TVPM_API void TVPMDestroyWindow(TVPMWindowID inWindowID) {
 
 TVPM_API void TVPMGetWindowGeometry(TVPMWindowID inWindowID, int* outLeft, int* outTop,
                                     int* outRight, int* outBottom) {
-    TVPM_CHECK_THREAD("TVPMGetWindowGeometry");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return;
     if (w->isGuiBacked) {
@@ -223,7 +223,7 @@ TVPM_API void TVPMGetWindowGeometry(TVPMWindowID inWindowID, int* outLeft, int* 
 
 TVPM_API void TVPMSetWindowGeometry(TVPMWindowID inWindowID, int inLeft, int inTop, int inRight,
                                     int inBottom) {
-    TVPM_CHECK_THREAD("TVPMSetWindowGeometry");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return;
     if (w->isGuiBacked) SetHostBounds(w, inLeft, inTop, inRight, inBottom);
@@ -232,7 +232,7 @@ TVPM_API void TVPMSetWindowGeometry(TVPMWindowID inWindowID, int inLeft, int inT
 
 TVPM_API void TVPMGetWindowGeometryOS(TVPMWindowID inWindowID, int* outLeft, int* outTop,
                                       int* outRight, int* outBottom) {
-    TVPM_CHECK_THREAD("TVPMGetWindowGeometryOS");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w || !gHooks->TVPMWindowIsPoppedOut_f(w)) return;
     int bounds[4] = {0, 0, 0, 0};
@@ -242,7 +242,7 @@ TVPM_API void TVPMGetWindowGeometryOS(TVPMWindowID inWindowID, int* outLeft, int
 
 TVPM_API void TVPMSetWindowGeometryOS(TVPMWindowID inWindowID, int inLeft, int inTop,
                                       int inRight, int inBottom) {
-    TVPM_CHECK_THREAD("TVPMSetWindowGeometryOS");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w || !TVPMWindowIsPoppedOut(w)) return;
     HostBounds bounds(inLeft, inTop, inRight, inBottom);
@@ -250,14 +250,14 @@ TVPM_API void TVPMSetWindowGeometryOS(TVPMWindowID inWindowID, int inLeft, int i
 }
 
 TVPM_API int TVPMWindowIsPoppedOut(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMWindowIsPoppedOut");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     return w && w->isGuiBacked ? gHooks->TVPMWindowIsPoppedOut_f(w) : 0;
 }
 
 TVPM_API void TVPMGetWindowGeometryVR(TVPMWindowID inWindowID, int* outWidthBoxels,
                                       int* outHeightBoxels) {
-    TVPM_CHECK_THREAD("TVPMGetWindowGeometryVR");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (w && w->isGuiBacked && gHooks->TVPMWindowIsInVr_f(w))
         gHooks->TVPMGetWindowVrSize_f(w, outWidthBoxels, outHeightBoxels);
@@ -265,14 +265,14 @@ TVPM_API void TVPMGetWindowGeometryVR(TVPMWindowID inWindowID, int* outWidthBoxe
 
 TVPM_API void TVPMSetWindowGeometryVR(TVPMWindowID inWindowID, int inWidthBoxels,
                                       int inHeightBoxels) {
-    TVPM_CHECK_THREAD("TVPMSetWindowGeometryVR");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (w && w->isGuiBacked && gHooks->TVPMWindowIsInVr_f(w))
         gHooks->TVPMSetWindowVrSize_f(w, inWidthBoxels, inHeightBoxels);
 }
 
 TVPM_API int TVPMWindowIsInVR(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMWindowIsInVR");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     return w && w->isGuiBacked ? gHooks->TVPMWindowIsInVr_f(w) : 0;
 }
@@ -280,14 +280,14 @@ TVPM_API int TVPMWindowIsInVR(TVPMWindowID inWindowID) {
 // ---- Visibility, refcon, stacking ------------------------------------------------------
 
 TVPM_API int TVPMGetWindowIsVisible(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMGetWindowIsVisible");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return 0;
     return w->isGuiBacked ? gHooks->TVPMGuiPluginWindowIsVisible_f(w) : w->visible;
 }
 
 TVPM_API void TVPMSetWindowIsVisible(TVPMWindowID inWindowID, int inIsVisible) {
-    TVPM_CHECK_THREAD("TVPMSetWindowIsVisible");
+    TVPM_CHECK_THREAD();
     StWindowListHold hold;
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return;
@@ -302,18 +302,18 @@ TVPM_API void TVPMSetWindowIsVisible(TVPMWindowID inWindowID, int inIsVisible) {
 }
 
 TVPM_API void* TVPMGetWindowRefCon(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMGetWindowRefCon");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     return w ? w->refcon : nullptr;
 }
 
 TVPM_API void TVPMSetWindowRefCon(TVPMWindowID inWindowID, void* inRefcon) {
-    TVPM_CHECK_THREAD("TVPMSetWindowRefCon");
+    TVPM_CHECK_THREAD();
     if (TVPMWindow* w = TVPMFindWindow(inWindowID)) w->refcon = inRefcon;
 }
 
 TVPM_API void TVPMBringWindowToFront(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMBringWindowToFront");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return;
     if (w->isGuiBacked) gHooks->TVPMBringGuiWindowToFront_f(w);
@@ -322,7 +322,7 @@ TVPM_API void TVPMBringWindowToFront(TVPMWindowID inWindowID) {
 }
 
 TVPM_API int TVPMIsWindowInFront(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMIsWindowInFront");
+    TVPM_CHECK_THREAD();
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return 0;
     if (w->isGuiBacked) return gHooks->TVPMGuiWindowIsInFront_f(w) ? 1 : 0;
@@ -334,11 +334,11 @@ TVPM_API int TVPMIsWindowInFront(TVPMWindowID inWindowID) {
 // ---- Keyboard focus ---------------------------------------------------------------------
 
 TVPM_API void TVPMTakeKeyboardFocus(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMTakeKeyboardFocus");
+    TVPM_CHECK_THREAD();
     TVPMDisplayTakeFocus(inWindowID);
 }
 
 TVPM_API int TVPMHasKeyboardFocus(TVPMWindowID inWindowID) {
-    TVPM_CHECK_THREAD("TVPMHasKeyboardFocus");
+    TVPM_CHECK_THREAD();
     return TVPMFindWindow(inWindowID) == gFocusWindow ? 1 : 0;
 }
