@@ -10,6 +10,7 @@
 #include "TVPMPrivate.h"
 
 TVPMPluginID gPendingWeatherUpdate = -1;
+bool gTVPMDiagnostics = false;
 
 namespace {
 

@@ -50,3 +50,14 @@ void __TVPMValidateThreadSafety(const char* func, const char* file, int line);
 // Names the checked function itself, so a moved or renamed function cannot
 // report under a stale name.
 #define TVPM_CHECK_THREAD() __TVPMValidateThreadSafety(__func__, __FILE__, __LINE__)
+
+// Set when the simulator turns on plugin diagnostics; off by default.
+extern bool gTVPMDiagnostics;
+// First statement of every plugin-thread function whose thread the library
+// does not otherwise check: checked only under diagnostics, one predictable
+// branch when they are off.
+#define TVPM_CHECK_THREAD_IF_DIAGNOSING()                                     \
+    do {                                                                      \
+        if (__builtin_expect(gTVPMDiagnostics, 0))                            \
+            __TVPMValidateThreadSafety(__func__, __FILE__, __LINE__);         \
+    } while (0)
