@@ -4,7 +4,9 @@
 #include <string>
 
 #include "TVPM/TVPMPlugin.h"
+#include "TVPMDataAccessPrivate.h"
 #include "TVPMLoaderLifecycle.h"
+#include "TVPMPlanesPrivate.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 

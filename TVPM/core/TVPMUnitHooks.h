@@ -1,8 +1,7 @@
-// TVPMUnitHooks.h: the functions through which units reach each other: lifecycle hooks, host-event targets and forwarded host hooks.
+// TVPMUnitHooks.h: the lifecycle hooks every family provides and the targets of the simulator's hooks; queries between units live in the owning family's header.
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "TVPMHost.h"
 
@@ -17,23 +16,10 @@ void TVPMEnableAllPlugins();
 void TVPMDisableAllPlugins();
 void TVPMEnableACFPlugins();
 void TVPMDisableACFPlugins();
-bool TVPMIsAcfPlugin(TVPMPluginID id);
-void UnloadOnePlugin(TVPMPluginID id);
 void TVPMUnloadPlugins();
 void TVPMUnloadAcfPlugin();
-void TVPMReloadPluginsInternal();
-// The folder of the user's aircraft (its file path cut at the last "/"), or
-// "" when the path has no "/".
-std::string TVPMUserAircraftFolder();
-// Set by TVPMReloadPlugins; the flight-loop pass runs the reload at its end.
-extern bool gScheduleReload;
 
 // ---- Data access (TVPMDataAccess*) -------------------------------------------
-// Writes text (with its terminating zero) into "sim/version/tvpm_build_string"
-// when that item exists.
-void TVPMPublishBuildString(const char* text);
-// True when items were published since the last check; outCount gets the total.
-bool TVPMDataRefsCheckForNew(int& outCount);
 void TVPMDataRefsCleanupHook(TVPMPluginID id);
 
 // ---- Processing (TVPMProcessing) ----------------------------------------------
@@ -60,10 +46,6 @@ int TVPMDisplayKeyPressHook(char charCode, TVPMKeyFlags flags, char virtualCode,
                             void* inFixedWindow);
 TVPMCursorStatus TVPMDisplayCursorHook(int inX, int inY, void* inFixedWindow);
 int TVPMDisplayScrollWheelHook(int inX, int inY, int inWheel, int inClicks, void* inFixedWindow);
-// Called by TVPMDisplayCleanupHook between key sniffers and windows: removes the
-// plugin's avionics records, asking the simulator to destroy each created
-// device that has a display first. Defined by the avionics unit.
-void TVPMDisplayAvionicsCleanupHook(TVPMPluginID id);
 
 // ---- Avionics (TVPMDisplayAvionics) --------------------------------------------
 int TVPMDisplayBezelClickHook(int device, int x, int y, TVPMMouseStatus status, void* display);
@@ -110,8 +92,6 @@ void TVPMPlaneDisableHook(TVPMPluginID id);
 void TVPMPlaneCleanupHook(TVPMPluginID id);
 void TVPMHandleUpdatePlaneNameAndPath(int index, char* name, char* path);
 int TVPMHandleGetNumberPlanesToHandle(int inNumber, int inLoading);
-// The plugin that controls the AI aircraft, or -1.
-TVPMPluginID TVPMGetTrafficControlPlugin();
 
 // ---- Scenery (TVPMScenery) ----------------------------------------------------
 void TVPMSceneryCleanupHook(TVPMPluginID id);

@@ -134,3 +134,10 @@ extern std::vector<TVPMSharedDataRecord*>& gSharedData;
 
 // Drops every subscription of a departing plugin.
 void TVPMSharedDataForgetPlugin(TVPMPluginID id);
+
+// ---- Queries for other units --------------------------------------------------
+// Writes text (with its terminating zero) into "sim/version/tvpm_build_string"
+// when that item exists.
+void TVPMPublishBuildString(const char* text);
+// True when items were published since the last check; outCount gets the total.
+bool TVPMDataRefsCheckForNew(int& outCount);

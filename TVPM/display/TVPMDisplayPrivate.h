@@ -150,3 +150,8 @@ private:
     std::vector<TVPMWindow*>& order;
     size_t pos = 0;
 };
+
+// Called by TVPMDisplayCleanupHook between key sniffers and windows: removes the
+// plugin's avionics records, asking the simulator to destroy each created
+// device that has a display first. Defined by the avionics unit.
+void TVPMDisplayAvionicsCleanupHook(TVPMPluginID id);

@@ -1,4 +1,4 @@
-// TVPMLoader.h: the loader's queries that other units use: features, and which plugin a library or code address belongs to.
+// TVPMLoader.h: the loader's queries that other units use: features, aircraft plugins, scheduled reloads, and which plugin a library or code address belongs to.
 #pragma once
 
 #include "TVPMHost.h"
@@ -8,3 +8,9 @@ int TVPMHasFeatureInternal(TVPMPluginID id, int index);
 TVPMPluginID TVPMPluginFromDLL(void* dll);
 // The name of the plugin whose library holds ip (and its ID in out_id), or null.
 const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id);
+// True when the plugin was loaded from the user's aircraft folder.
+bool TVPMIsAcfPlugin(TVPMPluginID id);
+// Set by TVPMReloadPlugins; the flight-loop pass runs the reload at its end.
+extern bool gScheduleReload;
+// Reloads every plugin: disables, stops and unloads them all, then loads again.
+void TVPMReloadPluginsInternal();

@@ -7,6 +7,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDLLUtils.h"
+#include "TVPMLoader.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -164,11 +165,6 @@ bool TVPMGetUserAircraftFolder(std::string& outFolder) {
     if (slash == std::string::npos) return false;
     outFolder = p.substr(0, slash);
     return true;
-}
-
-std::string TVPMUserAircraftFolder() {
-    std::string folder;
-    return TVPMGetUserAircraftFolder(folder) ? folder : std::string();
 }
 
 TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) { return IsEnabled(inPluginID) ? 1 : 0; }

@@ -7,6 +7,7 @@
 #include "TVPM/TVPMMenus.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
+#include "TVPMLoader.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 

@@ -3,6 +3,7 @@
 #include <limits>
 #include <unordered_set>
 
+#include "TVPMLoader.h"
 #include "TVPMProcessingPrivate.h"
 #include "TVPMUnitHooks.h"
 #include "UTL_timing.h"

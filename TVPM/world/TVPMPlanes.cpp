@@ -1,4 +1,5 @@
 // TVPMPlanes.cpp: aircraft and AI control (not built yet: every hook is a no-op).
+#include "TVPMPlanesPrivate.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
