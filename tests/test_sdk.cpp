@@ -78,22 +78,31 @@ TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
     Outcome o = CMake("--install " + Quote(BinaryDir()) + " --prefix " + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;
     for (const char* file : {"lib/TVPM_64.so", "include/TVPM/TVPMDefs.h", "include/TVPM/TVPMPlugin.h",
-                             "include/TVPMHost.h", "lib/cmake/TVPM/TVPMConfig.cmake",
+                             "include/TVPMHost/TVPMHost.h", "lib/cmake/TVPM/TVPMConfig.cmake",
                              "lib/cmake/TVPM/TVPMConfigVersion.cmake", "lib/cmake/TVPM/TVPMPlugin.cmake",
                              "lib/cmake/TVPM/TVPMTargets.cmake", "bin/tvpm-host"})
         EXPECT_TRUE(fs::exists(prefix + "/" + file)) << file;
+    EXPECT_FALSE(fs::exists(prefix + "/include/TVPMHost.h"));
+    EXPECT_FALSE(fs::exists(prefix + "/include/TVPM/TVPMHost.h"));
 
     const std::string source = dir_ + "/src";
     fs::create_directories(source);
     fs::copy_file(CacheValue("CMAKE_HOME_DIRECTORY") + "/examples/panel_clock.cpp", source + "/panel_clock.cpp");
     // A helper the author exported by mistake must stay hidden in the plugin.
     std::ofstream(source + "/helper.cpp") << "__attribute__((visibility(\"default\"))) int my_helper() { return 1; }\n";
+    // Plugins do not see the simulator's header; a simulator gets it through TVPM::HostHeaders.
+    std::ofstream(source + "/no_host.cpp") << "#if __has_include(<TVPMHost.h>)\n#error plugin sees TVPMHost.h\n#endif\n";
+    std::ofstream(source + "/host_side.cpp") << "#include <TVPMHost.h>\n"
+                                                "static_assert(sizeof(TVPMHooks) == TVPM_HOOKS_SIZE, \"\");\n";
     std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
                                                  "project(sdk_user CXX)\n"
                                                  "find_package(TVPM 4.2 REQUIRED)\n"
                                                  "tvpm_add_plugin(my_panel SOURCES panel_clock.cpp helper.cpp)\n"
                                                  "tvpm_add_plugin(flat_panel SOURCES panel_clock.cpp LAYOUT flat\n"
-                                                 "                OUTPUT_DIR ${CMAKE_BINARY_DIR}/loose)\n";
+                                                 "                OUTPUT_DIR ${CMAKE_BINARY_DIR}/loose)\n"
+                                                 "target_sources(my_panel PRIVATE no_host.cpp)\n"
+                                                 "add_library(host_side OBJECT host_side.cpp)\n"
+                                                 "target_link_libraries(host_side PRIVATE TVPM::HostHeaders)\n";
     const std::string build = dir_ + "/build";
     o = CMake("-S " + Quote(source) + " -B " + Quote(build) + " -DCMAKE_PREFIX_PATH=" + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;

@@ -5,7 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/loader/TVPMLoaderDiscovery.cpp"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMUtilities.h"
+#include "TVPMDLLUtils.h"
+#include "TVPMLoaderLifecycle.h"
+#include "TVPMPrivate.h"
+#include "TVPMUnitHooks.h"
 #include "support/UnitSteps.h"
 
 namespace {
@@ -37,6 +42,11 @@ TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
+TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* signature) {
+    for (size_t i = 0; i < gAllPlugins.size(); ++i)
+        if (gAllPlugins[i].signature == signature) return static_cast<TVPMPluginID>(i);
+    return TVPM_NO_PLUGIN_ID;
+}
 TVPM_API void TVPMDebugString(const char* text) { Step("log %s", text); }
 TVPM_API int TVPMEnablePlugin(TVPMPluginID id) {
     Step("enable %d", id);

@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/loader/TVPMDLLUtils.cpp"
+#include "TVPM/TVPMUtilities.h"
+#include "TVPMDLLUtils.h"
 
 namespace fs = std::filesystem;
 

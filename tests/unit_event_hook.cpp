@@ -4,7 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/core/TVPMHost.cpp"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPMDataAccessPrivate.h"
+#include "TVPMLoaderLifecycle.h"
+#include "TVPMPlanesPrivate.h"
+#include "TVPMPrivate.h"
+#include "TVPMUnitHooks.h"
 #include "support/UnitSteps.h"
 
 namespace {

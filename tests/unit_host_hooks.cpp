@@ -4,7 +4,9 @@
 #include <sstream>
 #include <string>
 
-#include "../TVPM/core/TVPMHostHooks.cpp"
+#include "TVPMPrivate.h"
+#include "TVPMUnitHooks.h"
+#include "UTL_timing.h"
 
 namespace {
 

@@ -4,7 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPMDLLUtils.h"
+#include "TVPMLoader.h"
+#include "TVPMLoaderLifecycle.h"
+#include "TVPMPrivate.h"
+#include "TVPMUnitHooks.h"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"
 

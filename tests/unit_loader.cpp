@@ -1,15 +1,17 @@
 // unit_loader.cpp: the loader's internal machinery: deferred deliveries across enable and unload, dispatch scopes, plugin warnings.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "../TVPM/loader/TVPMDLLUtils.cpp"
-#include "../TVPM/loader/TVPMLoader.cpp"
-#include "../TVPM/core/TVPMPluginTable.cpp"
-#include "../TVPM/core/TVPMDeliveries.cpp"
-#include "../TVPM/core/TVPMDispatch.cpp"
-#include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMUtilities.h"
+#include "TVPMDLLUtils.h"
+#include "TVPMLoader.h"
+#include "TVPMLoaderLifecycle.h"
+#include "TVPMPrivate.h"
+#include "TVPMUnitHooks.h"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"
 

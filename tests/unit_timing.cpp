@@ -6,7 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "../TVPM/core/UTL_timing.cpp"
+#include "TVPMPrivate.h"
+#include "UTL_timing.h"
 #include "support/CountingNew.h"
 #include "support/TimingSamples.h"
 

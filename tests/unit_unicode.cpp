@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "../TVPM/utilities/UTL_unicode.cpp"
+#include "UTL_unicode.h"
 
 namespace {
 

@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "../TVPM/loader/TVPMDLLUtils.cpp"
-#include "../TVPM/utilities/TVPMUtilities.cpp"
+#include "TVPM/TVPMUtilities.h"
+#include "TVPMDLLUtils.h"
+#include "TVPMPrivate.h"
 
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;

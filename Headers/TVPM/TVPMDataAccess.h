@@ -4,7 +4,8 @@
  * plugin finds by name and reads or writes; and shared data, values that
  * plugins exchange without any of them owning it.
  *
- * Terms are defined in TVPMDefs.h. A TVPMDataRef is a [handle] that is never
+ * Terms are defined in TVPMDefs.h; a function not marked [any-thread] is
+ * [plugin-thread]. A TVPMDataRef is a [handle] that is never
  * freed or moved: it stays usable for the life of the process, even after
  * its owner unregisters it or is unloaded (reads then give 0, writes do
  * nothing), and a later registration of the same name revives it.
@@ -55,8 +56,11 @@ typedef void (*TVPMSetDatavf_f)(void* inRefcon, float* inValues, int inOffset, i
 typedef int (*TVPMGetDatab_f)(void* inRefcon, void* outValue, int inOffset, int inMaxLength);
 typedef void (*TVPMSetDatab_f)(void* inRefcon, void* inValue, int inOffset, int inLength);
 
-/* What TVPMGetDataRefInfo reports. Set structSize to sizeof(TVPMDataRefInfo_t)
- * (32) before the call. */
+/* The only structSize TVPMGetDataRefInfo accepts: sizeof(TVPMDataRefInfo_t). */
+#define TVPM_DATAREF_INFO_SIZE 32
+
+/* What TVPMGetDataRefInfo reports. Set structSize to TVPM_DATAREF_INFO_SIZE
+ * before the call. */
 typedef struct TVPMDataRefInfo_t {
     int structSize;
     const char* name; /* [static-text], lives as long as the item */
@@ -105,7 +109,7 @@ TVPM_API int TVPMCountDataRefs(void);
 /* Copies the handles of items offset .. offset + count - 1 into outDataRefs
  * (count entries, caller-owned). */
 TVPM_API void TVPMGetDataRefsByIndex(int offset, int count, TVPMDataRef* outDataRefs);
-/* Fills outInfo (structSize 32) with the item's name, types, writability and
+/* Fills outInfo (structSize TVPM_DATAREF_INFO_SIZE) with the item's name, types, writability and
  * owner. */
 TVPM_API void TVPMGetDataRefInfo(TVPMDataRef inDataRef, TVPMDataRefInfo_t* outInfo);
 
@@ -115,9 +119,9 @@ TVPM_API void TVPMGetDataRefInfo(TVPMDataRef inDataRef, TVPMDataRefInfo_t* outIn
  * current plugin for the duration. They give 0 (or do nothing) without a
  * message when the handle is null, the accessor is missing, the item is not
  * writable, or the owner is disabled or gone. Array and byte calls pass the
- * buffer, offset and count to the accessor unchanged. Meant for the plugin
- * thread (the current plugin is process-wide); not checked, so that they stay
- * as cheap as a direct call. */
+ * buffer, offset and count to the accessor unchanged. [plugin-thread] (the
+ * current plugin is process-wide), not checked so that they stay as cheap as
+ * a direct call. */
 TVPM_API int TVPMGetDatai(TVPMDataRef inDataRef);
 TVPM_API void TVPMSetDatai(TVPMDataRef inDataRef, int inValue);
 TVPM_API float TVPMGetDataf(TVPMDataRef inDataRef);
@@ -143,12 +147,11 @@ typedef void (*TVPMDataChanged_f)(void* inRefcon);
  * (sharing twice subscribes twice); subscribers are told in subscription
  * order, and one that joins while others are being told hears from the next
  * write on. Returns 0 when the name is already shared with another type,
- * else 1. Plugin thread only (not checked). */
+ * else 1. [plugin-thread] */
 TVPM_API int TVPMShareData(const char* inDataName, TVPMDataTypeID inDataType,
                            TVPMDataChanged_f inNotificationFunc, void* inNotificationRefcon);
 /* Removes one subscription of the [current plugin] made with the same
- * arguments; 1 if one was removed. The value itself stays. Plugin thread only
- * (not checked). */
+ * arguments; 1 if one was removed. The value itself stays. [plugin-thread] */
 TVPM_API int TVPMUnshareData(const char* inDataName, TVPMDataTypeID inDataType,
                              TVPMDataChanged_f inNotificationFunc, void* inNotificationRefcon);
 

@@ -7,7 +7,11 @@
  *
  *   [plugin-thread]  May only be called on the plugin thread: the thread on
  *                    which the simulator started the plugin manager and on
- *                    which every plugin callback runs. A call from any other
+ *                    which every plugin callback runs. Not enforced: a call
+ *                    from another thread is not detected and races with the
+ *                    plugin thread.
+ *   [plugin-thread, checked]
+ *                    As [plugin-thread], and enforced: a call from any other
  *                    thread prints a threading-violation report and aborts
  *                    the process.
  *   [any-thread]     May be called from any thread.

@@ -3,7 +3,8 @@
  * windows with their stacking order and keyboard focus, key sniffers, hot
  * keys, and the screen and mouse queries that go with them.
  *
- * Every function here is [plugin-thread]. Terms are defined in TVPMDefs.h.
+ * Every function here is [plugin-thread, checked]. Terms are defined in
+ * TVPMDefs.h.
  * Callbacks are called only while their plugin is enabled, always on the
  * plugin thread and with their plugin as the [current plugin]. A callback may
  * register, unregister, create, destroy or reorder anything declared here,
@@ -103,10 +104,14 @@ typedef int (*TVPMHandleMouseWheel_f)(TVPMWindowID inWindowID, int x, int y, int
  * are the simulator's). */
 typedef int TVPMWindowPositioningMode;
 
-/* Parameters of TVPMCreateWindowEx. structSize is 72 for a window kept by
- * TVPM (the fields up to refcon) or 88 for a window that the simulator keeps
- * as a real window of its own, with decoration, layer, pop-out and VR
- * support (all fields). */
+/* The two structSize values TVPMCreateWindowEx accepts: a window kept by TVPM
+ * (the fields up to refcon) or a window that the simulator keeps as a real
+ * window of its own, with decoration, layer, pop-out and VR support (all
+ * fields, sizeof(TVPMCreateWindow_t)). */
+#define TVPM_CREATE_WINDOW_SIZE_PLAIN 72
+#define TVPM_CREATE_WINDOW_SIZE_GUI 88
+
+/* Parameters of TVPMCreateWindowEx; structSize is one of the two above. */
 typedef struct TVPMCreateWindow_t {
     int structSize;
     int left;
@@ -122,7 +127,7 @@ typedef struct TVPMCreateWindow_t {
     void* refcon;
     TVPMWindowDecoration decorateAsFloatingWindow;
     TVPMWindowLayer layer;
-    /* Right-button events; read for both sizes, so zero it in a 72-byte one. */
+    /* Right-button events; read for both sizes, so zero it in a plain one. */
     TVPMHandleMouseClick_f handleRightClickFunc;
 } TVPMCreateWindow_t;
 
@@ -134,7 +139,8 @@ TVPM_API TVPMWindowID TVPMCreateWindow(int inLeft, int inTop, int inRight, int i
                                        TVPMHandleMouseClick_f inMouseCallback, void* inRefcon);
 /* Creates a window as described by inParams (see TVPMCreateWindow_t) and puts
  * it in front. Returns its [handle], or null when inParams is null or its
- * structSize is neither 72 nor 88. A layer outside 0..3 gives
+ * structSize is neither TVPM_CREATE_WINDOW_SIZE_PLAIN nor
+ * TVPM_CREATE_WINDOW_SIZE_GUI. A layer outside 0..3 gives
  * tvpm_WindowLayerFloatingWindows. */
 TVPM_API TVPMWindowID TVPMCreateWindowEx(TVPMCreateWindow_t* inParams);
 /* Destroys a window; it first loses the keyboard focus and the mouse if it

@@ -3,9 +3,8 @@
  * before or after the simulator's flight model, every N seconds or every N
  * passes, each in its owner's context.
  *
- * Every function here is meant for the plugin thread: flight loops are kept
- * without locks. Calls from other threads are not detected. Terms are defined
- * in TVPMDefs.h.
+ * Every function here is [plugin-thread]: flight loops are kept without
+ * locks. Terms are defined in TVPMDefs.h.
  */
 #ifndef TVPMProcessing_h
 #define TVPMProcessing_h
@@ -38,7 +37,10 @@ typedef float (*TVPMFlightLoop_f)(float inElapsedSinceLastCall,
                                   float inElapsedTimeSinceLastFlightLoop, int inCounter,
                                   void* inRefcon);
 
-/* Set structSize to sizeof(TVPMCreateFlightLoop_t) (24). */
+/* The only structSize TVPMCreateFlightLoop accepts: sizeof(TVPMCreateFlightLoop_t). */
+#define TVPM_CREATE_FLIGHT_LOOP_SIZE 24
+
+/* Set structSize to TVPM_CREATE_FLIGHT_LOOP_SIZE. */
 typedef struct TVPMCreateFlightLoop_t {
     int structSize;
     TVPMFlightLoopPhaseType phase;

@@ -33,8 +33,7 @@ public:
 private:
     static bool IsCallable(TVPMPluginID id) {
         if (gAllPlugins.empty()) return id == 0;
-        const PluginRecord* r = TVPMGetPluginRecord(id);
-        return r && r->enabled;
+        return TVPMPluginIsEnabled(id);
     }
 
     bool mOK;

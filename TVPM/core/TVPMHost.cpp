@@ -84,6 +84,16 @@ bool BroadcastCarriesParameter(TVPMEventKind kind) {
     return kind >= tvpm_LiveryChanged && kind <= tvpm_FMODBankLoaded;
 }
 
+// Copies the plugin's name and signature (either buffer may be null) and
+// returns its ID; the buffers stay untouched when the ID names no plugin.
+int CopyPluginInfo(TVPMPluginID id, char* outName, char* outSignature) {
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    if (!r) return id;
+    if (outName) strncpy(outName, r->name.c_str(), 256);
+    if (outSignature) strncpy(outSignature, r->signature.c_str(), 256);
+    return id;
+}
+
 }  // namespace
 
 TVPM_API int TVPMInitializePlugins(const char* inSystemFolderPath, TVPMHooks* inHooks,
@@ -156,19 +166,9 @@ TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float
 }
 
 TVPM_API int TVPMGetCurrentPluginInfo(char* outPluginName, char* outPluginSignature) {
-    TVPMPluginID id = gClientPlugin;
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    if (!r) return id;
-    if (outPluginName) strncpy(outPluginName, r->name.c_str(), 256);
-    if (outPluginSignature) strncpy(outPluginSignature, r->signature.c_str(), 256);
-    return id;
+    return CopyPluginInfo(gClientPlugin, outPluginName, outPluginSignature);
 }
 
 TVPM_API int TVPMGetTrafficControlPluginInfo(char* outPluginName, char* outPluginSignature) {
-    TVPMPluginID id = TVPMGetTrafficControlPlugin();
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    if (!r) return id;
-    if (outPluginName) strncpy(outPluginName, r->name.c_str(), 256);
-    if (outPluginSignature) strncpy(outPluginSignature, r->signature.c_str(), 256);
-    return id;
+    return CopyPluginInfo(TVPMGetTrafficControlPlugin(), outPluginName, outPluginSignature);
 }

@@ -110,6 +110,17 @@ inline PluginRecord* TVPMGetPluginRecord(TVPMPluginID id) {
     return TVPMIsValidPluginID(id) ? &gAllPlugins[static_cast<size_t>(id)] : nullptr;
 }
 
+// True when the plugin exists and is enabled.
+inline bool TVPMPluginIsEnabled(TVPMPluginID id) {
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    return r && r->enabled;
+}
+// True when the current plugin asked for native paths (TVPM_USE_NATIVE_PATHS).
+inline bool TVPMCurrentPluginWantsNativePaths() {
+    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
+    return r && r->features[kFeatureUseNativePaths];
+}
+
 inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
 inline int TVPMGetDispatchedPlugin() { return gDispatchedPlugin; }
 inline void TVPMSetClientPlugin(int id) { gClientPlugin = id; }

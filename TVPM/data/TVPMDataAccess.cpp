@@ -23,7 +23,6 @@ namespace {
 constexpr const char* kBuildStringItem = "sim/version/tvpm_build_string";
 constexpr const char* kDataRefEditorSignature = "torvanesdk.examples.DataRefEditor";
 constexpr int kMinVersionForDeprecationAlert = 19;
-constexpr int kInfoStructSize = 32;
 constexpr size_t kMessageSize = 512;
 
 // ---- Deprecation warnings ---------------------------------------------------
@@ -256,7 +255,7 @@ TVPM_API void TVPMGetDataRefInfo(TVPMDataRef inDataRef, TVPMDataRefInfo_t* outIn
         TVPMSendError("Argument 'outInfo' is null");
         return;
     }
-    if (outInfo->structSize != kInfoStructSize) {
+    if (outInfo->structSize != TVPM_DATAREF_INFO_SIZE) {
         TVPMSendError("Argument 'outInfo' needs a structSize set to a legal and known value");
         return;
     }

@@ -73,7 +73,7 @@ bool AnyCallbackNeeds(const DrawingHookCallSpec& callSpec, int renderType) {
         if (r->phase != callSpec.phase) continue;
         if (r->preCallback != callSpec.doBefore && !(callSpec.doAfter && r->preCallback == 0)) continue;
         if (!SeesRenderType(r->plugin, renderType)) continue;
-        if (TVPMDisplayPluginEnabled(r->plugin)) return true;
+        if (TVPMPluginIsEnabled(r->plugin)) return true;
     }
     return false;
 }
@@ -81,7 +81,7 @@ bool AnyCallbackNeeds(const DrawingHookCallSpec& callSpec, int renderType) {
 bool AnyWindowNeedsDrawing() {
     TVPMReverseWalk<TVPMWindowCallbackRecord> walk(gWindows);
     while (TVPMWindow* w = walk.Next())
-        if (w->visible && TVPMDisplayPluginEnabled(w->plugin)) return true;
+        if (w->visible && TVPMPluginIsEnabled(w->plugin)) return true;
     return false;
 }
 

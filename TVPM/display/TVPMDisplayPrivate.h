@@ -78,12 +78,6 @@ extern int gDragWindowReceivedDownClickFromBtn;
 // ---------------------------------------------------------------------------
 // Helpers.
 
-// True when the plugin exists and is enabled.
-inline bool TVPMDisplayPluginEnabled(TVPMPluginID id) {
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    return r && r->enabled;
-}
-
 // True while the ID names a live window of gWindows.
 bool TVPMWindowIsValid(TVPMWindowID id);
 

@@ -12,9 +12,6 @@ int gDragWindowReceivedDownClickFromBtn = -1;
 
 namespace {
 
-constexpr int kCreateWindowPlainSize = 72;
-constexpr int kCreateWindowGuiSize = 88;
-
 // One copy of the stacking order per walk nesting depth; a deque, so that
 // growing it never moves a copy an outer walk is using.
 std::deque<std::vector<TVPMWindow*>> s_walkOrders;
@@ -139,7 +136,7 @@ void TVPMDisplayTakeFocus(TVPMWindowID id) {
     StWindowListHold hold;
     TVPMWindow* w = TVPMFindWindow(id);
     if (w == gFocusWindow) return;
-    if (w && !TVPMDisplayPluginEnabled(w->plugin)) return;
+    if (w && !TVPMPluginIsEnabled(w->plugin)) return;
     if (gFocusWindow) TellWindowItLosesFocus(gFocusWindow, w);
     // Whatever the losing window did meanwhile, the focus goes where it was
     // asked to, unless that window is gone.
@@ -174,14 +171,14 @@ TVPM_API TVPMWindowID TVPMCreateWindowEx(TVPMCreateWindow_t* inParams) {
     TVPM_CHECK_THREAD();
     if (!inParams) return nullptr;
     const int size = inParams->structSize;
-    if (size != kCreateWindowPlainSize && size != kCreateWindowGuiSize) return nullptr;
+    if (size != TVPM_CREATE_WINDOW_SIZE_PLAIN && size != TVPM_CREATE_WINDOW_SIZE_GUI) return nullptr;
     TVPMWindow* w = NewWindow(inParams->visible, inParams->drawWindowFunc, inParams->handleKeyFunc,
                               inParams->handleMouseClickFunc, inParams->refcon);
     w->handleCursorCallback = inParams->handleCursorFunc;
     w->handleMouseWheelCallback = inParams->handleMouseWheelFunc;
     // Read for both sizes on purpose: older callers zero the whole structure.
     w->mouseRightClickCallback = inParams->handleRightClickFunc;
-    if (size == kCreateWindowPlainSize) {
+    if (size == TVPM_CREATE_WINDOW_SIZE_PLAIN) {
         SetPlainRect(w, inParams->left, inParams->top, inParams->right, inParams->bottom);
         gWindows.Add(w);
         return w;

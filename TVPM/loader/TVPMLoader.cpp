@@ -34,11 +34,6 @@ PluginRecord* FeatureOwner(const char* name, int& index) {
     return TVPMGetPluginRecord(gDispatchedPlugin);
 }
 
-bool UsesNativePaths() {
-    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
-    return r && r->features[kFeatureUseNativePaths];
-}
-
 void CopyField(char* out, const std::string& value) {
     if (out) strcpytrunc(out, value, 256);
 }
@@ -63,7 +58,7 @@ TVPM_API TVPMPluginID TVPMGetNthPlugin(int inIndex) { return inIndex; }
 TVPM_API TVPMPluginID TVPMFindPluginByPath(const char* inPath) {
     if (!inPath) return TVPM_NO_PLUGIN_ID;
     std::string path(inPath);
-    if (!UsesNativePaths()) TVPMOldToUTF8(path);
+    if (!TVPMCurrentPluginWantsNativePaths()) TVPMOldToUTF8(path);
     for (size_t i = 0; i < gAllPlugins.size(); ++i)
         if (gAllPlugins[i].path == path) return static_cast<TVPMPluginID>(i);
     return TVPM_NO_PLUGIN_ID;
@@ -81,7 +76,7 @@ TVPM_API void TVPMGetPluginInfo(TVPMPluginID inPlugin, char* outName, char* outF
     const PluginRecord* r = TVPMGetPluginRecord(inPlugin);
     if (!r) return;
     std::string path = r->path;
-    if (!UsesNativePaths()) TVPMUTF8ToOld(path);
+    if (!TVPMCurrentPluginWantsNativePaths()) TVPMUTF8ToOld(path);
     CopyField(outName, r->name);
     CopyField(outFilePath, path);
     CopyField(outSignature, r->signature);

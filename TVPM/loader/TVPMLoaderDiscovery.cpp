@@ -101,17 +101,6 @@ void DropLastRecord(bool isAircraftPlugin) {
         gCurrentAircraftPluginIDS.pop_back();
 }
 
-// The first plugin whose signature equals signature, or -1.
-TVPMPluginID FindSignature(const char* signature) {
-    const size_t len = strlen(signature);
-    for (size_t i = 0; i < gAllPlugins.size(); ++i) {
-        const std::string& s = gAllPlugins[i].signature;
-        if (s.size() == len && memcmp(s.data(), signature, len) == 0)
-            return static_cast<TVPMPluginID>(i);
-    }
-    return TVPM_NO_PLUGIN_ID;
-}
-
 // TPluginStart said no: the plugin leaves nothing behind. Whatever it
 // registered while starting is released too, since its code is about to go.
 void RefuseStart(TVPMPluginID id, void* dll, const std::string& path, bool isAircraftPlugin) {
@@ -135,6 +124,8 @@ void RefuseDuplicate(TVPMPluginID id, const std::string& path, const char* signa
     TVPMDebugString(signature);
     TVPMDebugString(". (A version of this plugin is already loaded.)\n");
 }
+
+}  // namespace
 
 TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
                            int isCurrentAcfPlugin) {
@@ -174,7 +165,7 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     // A plugin that filled a buffer to the brim still gets terminated text.
     for (char* text : {name, signature, description}) text[kTextBufferSize - 1] = 0;
     TVPMSetDispatchedPlugin(0);
-    if (FindSignature(signature) != TVPM_NO_PLUGIN_ID) {
+    if (TVPMFindPluginBySignature(signature) != TVPM_NO_PLUGIN_ID) {
         RefuseDuplicate(id, inPluginPath, signature, isAircraftPlugin);
         return TVPM_NO_PLUGIN_ID;
     }
@@ -189,6 +180,8 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     TVPMDebugString(").\n\n");
     return id;
 }
+
+namespace {
 
 TVPMPluginID LoadFatPlugin(const std::string& inName, const std::string& inPath,
                            int isCurrentAcfPlugin) {

@@ -44,11 +44,6 @@ void CallPluginEnable(TVPMPluginID id, TVPMPluginEnable_f enable) {
     if (PluginRecord* r = TVPMGetPluginRecord(id)) r->enabled = agreed;
 }
 
-bool IsEnabled(TVPMPluginID id) {
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    return r && r->enabled;
-}
-
 // The plugin's own agreement, then the weather unit's; returns the state.
 int EnableAfterHooks(TVPMPluginID id) {
     PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
@@ -56,9 +51,9 @@ int EnableAfterHooks(TVPMPluginID id) {
         CallPluginEnable(id, r.enableFunc);
     else
         r.enabled = true;
-    if (!IsEnabled(id)) return 0;
+    if (!TVPMPluginIsEnabled(id)) return 0;
     TVPMWeatherEnableHook(id);
-    return IsEnabled(id) ? 1 : 0;
+    return TVPMPluginIsEnabled(id) ? 1 : 0;
 }
 
 void DeliverPending(TVPMPluginID id) {
@@ -167,7 +162,7 @@ bool TVPMGetUserAircraftFolder(std::string& outFolder) {
     return true;
 }
 
-TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) { return IsEnabled(inPluginID) ? 1 : 0; }
+TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) { return TVPMPluginIsEnabled(inPluginID) ? 1 : 0; }
 
 TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
     PluginRecord* r = SwitchablePlugin(inPluginID);

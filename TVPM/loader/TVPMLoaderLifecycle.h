@@ -25,8 +25,18 @@ public:
     StLoaderBusy& operator=(const StLoaderBusy&) = delete;
 };
 
+// Loads, resolves and starts one plugin file (logging "Failed: " for a legacy
+// file that will not load); returns its ID, or -1 when it was skipped,
+// refused at start or a duplicate.
+TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
+                           int isCurrentAcfPlugin);
+
 // Tells every unit, in the fixed unload order, to release what the plugin owns.
 void TVPMRunCleanupHooks(TVPMPluginID id);
+
+// Stops the plugin, runs every unit's clean-up for it and closes its library
+// (later, when the plugin unloads itself from inside its own code).
+void UnloadOnePlugin(TVPMPluginID id);
 
 // UnloadOnePlugin for a plugin known not to be running (one refused at start):
 // its library is closed at once.

@@ -14,7 +14,6 @@ float gLastCallTime = 0;
 
 namespace {
 
-constexpr int kCreateStructSize = 24;
 constexpr unsigned kPhaseCount = 2;
 constexpr float kNever = std::numeric_limits<float>::quiet_NaN();
 
@@ -83,7 +82,7 @@ void SetSchedule(TVPMFlightLoopRecord* r, float interval, int relativeToNow) {
 }
 
 void ReportBadCreateParams(const TVPMCreateFlightLoop_t& p) {
-    if (p.structSize != kCreateStructSize) TVPMSendError("Illegal struct size for TVPMCreateFlightLoop");
+    if (p.structSize != TVPM_CREATE_FLIGHT_LOOP_SIZE) TVPMSendError("Illegal struct size for TVPMCreateFlightLoop");
     if (static_cast<unsigned>(p.phase) >= kPhaseCount)
         TVPMSendError("Illegal phase type for TVPMCreateFlightLoop");
     if (!p.callbackFunc) TVPMSendError("Null callback for TVPMCreateFlightLoop");
@@ -203,7 +202,7 @@ TVPM_API void TVPMScheduleFlightLoop(TVPMFlightLoopID inFlightLoopID, float inIn
 
 TVPM_API void TVPMRegisterFlightLoopCallback(TVPMFlightLoop_f inFlightLoop, float inInterval,
                                              void* inRefcon) {
-    TVPMCreateFlightLoop_t params{kCreateStructSize, tvpm_FlightLoop_Phase_BeforeFlightModel,
+    TVPMCreateFlightLoop_t params{TVPM_CREATE_FLIGHT_LOOP_SIZE, tvpm_FlightLoop_Phase_BeforeFlightModel,
                                   inFlightLoop, inRefcon};
     TVPMScheduleFlightLoop(TVPMCreateFlightLoop(&params), inInterval, 0);
 }

@@ -14,13 +14,8 @@ namespace {
 constexpr int kLibraryVersion = TVPM_INTERFACE_VERSION;
 constexpr int kPathBufferSize = 512;
 
-bool PluginWantsNativePaths() {
-    const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
-    return r && r->features[kFeatureUseNativePaths];
-}
-
 void ConvertPathForPlugin(char* ioPath) {
-    if (!ioPath || PluginWantsNativePaths()) return;
+    if (!ioPath || TVPMCurrentPluginWantsNativePaths()) return;
     std::string path(ioPath);
     TVPMUTF8ToOld(path);
     strcpytrunc(ioPath, path, kPathBufferSize);
@@ -94,7 +89,7 @@ TVPM_API int TVPMGetDirectoryContents(const char* inDirectoryPath, int inFirstRe
                                       int inIndexCount, int* outTotalFiles, int* outReturnedFiles) {
     std::vector<std::string> names;
     TVPMFetchDirectoryContents(inDirectoryPath, "*.*", names);
-    if (!PluginWantsNativePaths())
+    if (!TVPMCurrentPluginWantsNativePaths())
         for (std::string& name : names) TVPMUTF8ToOld(name);
     const int total = static_cast<int>(names.size());
     if (outTotalFiles) *outTotalFiles = total;
