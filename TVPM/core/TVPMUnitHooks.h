@@ -6,7 +6,9 @@
 #include "TVPMHost.h"
 
 // Each lifecycle hook takes the plugin ID and is called by the loader at the
-// plugin's enable, disable and unload transitions, in a fixed order.
+// plugin's enable, disable and unload transitions, in a fixed order. Every
+// other function here is what a simulator hook (TVPMHost.cpp,
+// TVPMHostHooks.cpp) hands its work to.
 
 // ---- Loader (TVPMLoader*) ---------------------------------------------------
 void TVPMFindAndLoadPlugins(const char* inSystemPath);
