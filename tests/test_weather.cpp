@@ -217,11 +217,17 @@ TEST_F(Weather, EnablingAndDisablingRefreshOnlyPluginsThatWroteWeather) {
 }
 
 TEST_F(Weather, UnloadingDropsThePluginsWeatherAndReleasesItsLock) {
+    static TVPMWeatherInfo_t info = Info(548);
     RunAs("alpha.tvp", [] { TVPMBeginWeatherUpdate(); });
     host.ClearCalls();
-    host.Shutdown();
+    TVPMReloadPlugins();  // unloads every plugin, then loads them again
+    host.RunFrame();
     bool droppedAlpha = false;
     for (const HostCall& c : host.CallsTo("TVPMEndWeatherUpdate_f"))
         droppedAlpha |= c.args == std::vector<std::string>{std::to_string(alpha), "0", "1"};
     EXPECT_TRUE(droppedAlpha);
+    PluginErrors().clear();
+    RunAs("beta.tvp", [] { TVPMSetWeatherAtAirport("LSZH", &info); });
+    EXPECT_TRUE(PluginErrors().empty());
+    EXPECT_EQ(host.Count("TVPMSetWeatherAtAirport_f"), 1u);
 }
