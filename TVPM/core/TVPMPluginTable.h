@@ -51,6 +51,8 @@ struct PluginRecord {
     bool weatherUpdatePending = false;
     // TVPMCallSite bits whose caught exception was already logged.
     uint32_t reportedThrows = 0;
+    // Unique for the process: tells a reloaded copy at the same ID apart.
+    uint64_t serial = 0;
     TVPMDeliveryHead outstanding;
     TVPMDeliveryHead pending;
 };
@@ -67,6 +69,7 @@ public:
     PluginRecord& back() const { return *records_.back(); }
     PluginRecord& emplace_back() {
         records_.push_back(std::make_unique<PluginRecord>());
+        records_.back()->serial = ++lastSerial_;
         return *records_.back();
     }
     void pop_back() { records_.pop_back(); }
@@ -94,6 +97,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<PluginRecord>> records_;
+    uint64_t lastSerial_ = 0;
 };
 
 extern TVPMPluginTable gAllPlugins;
@@ -109,6 +113,27 @@ inline bool TVPMIsValidPluginID(TVPMPluginID id) {
 inline PluginRecord* TVPMGetPluginRecord(TVPMPluginID id) {
     return TVPMIsValidPluginID(id) ? &gAllPlugins[static_cast<size_t>(id)] : nullptr;
 }
+
+// One plugin as it was when taken: Get() finds its record again after a call
+// into plugin code, or null when that plugin has since been unloaded, trimmed
+// or replaced by a reloaded copy at the same ID. Code that calls into a
+// plugin keeps this, never a PluginRecord pointer or reference.
+class TVPMPluginIncarnation {
+public:
+    explicit TVPMPluginIncarnation(TVPMPluginID id) : id_(id) {
+        const PluginRecord* r = TVPMGetPluginRecord(id);
+        serial_ = r ? r->serial : 0;
+    }
+    PluginRecord* Get() const {
+        PluginRecord* r = TVPMGetPluginRecord(id_);
+        return r && r->serial == serial_ ? r : nullptr;
+    }
+    TVPMPluginID id() const { return id_; }
+
+private:
+    TVPMPluginID id_;
+    uint64_t serial_;
+};
 
 inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
 inline int TVPMGetDispatchedPlugin() { return gDispatchedPlugin; }

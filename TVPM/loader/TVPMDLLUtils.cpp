@@ -44,11 +44,21 @@ bool EndsWithNoCase(const char* name, const char* suffix) {
 
 }  // namespace
 
+const char* TVPMWhyNotAPluginFile(const char* path) {
+    struct stat st;
+    if (!path || stat(path, &st) != 0 || S_ISREG(st.st_mode)) return nullptr;
+    if (S_ISDIR(st.st_mode)) return "a folder";
+    if (S_ISFIFO(st.st_mode)) return "a named pipe";
+    if (S_ISSOCK(st.st_mode)) return "a socket";
+    if (S_ISCHR(st.st_mode) || S_ISBLK(st.st_mode)) return "a device";
+    return "not a regular file";
+}
+
+// Only regular files are opened: opening a named pipe or a device could block
+// start-up for ever.
 void* TVPMLoadDLL(const char* inName) {
-    if (!inName) return nullptr;
-    FILE* probe = fopen(inName, "rb");
-    if (!probe) return nullptr;
-    fclose(probe);
+    struct stat st;
+    if (!inName || stat(inName, &st) != 0 || !S_ISREG(st.st_mode)) return nullptr;
     void* handle = dlopen(inName, RTLD_NOW);
     if (!handle) LogDlError();
     return handle;
