@@ -88,18 +88,21 @@ __attribute__((noinline)) void* TVPMGetDLLForCaller(int num_frames) {
 
 void* TVPMGetDLLForInstruction(void* ip) { return LoadedLibraryContaining(ip); }
 
+bool TVPMNameMatchesPattern(const char* name, const char* pattern) {
+    if (strcmp(pattern, "*.*") == 0) return true;
+    return EndsWithNoCase(name, pattern[0] == '*' ? pattern + 1 : pattern);
+}
+
 void TVPMFetchDirectoryContents(const char* inPath, const char* inSuffixPattern,
                                 std::vector<std::string>& outFileList) {
     if (!inPath || !inSuffixPattern) return;
     DIR* dir = opendir(inPath);
     if (!dir) return;
-    const bool all = strcmp(inSuffixPattern, "*.*") == 0;
     const bool dirs = strcmp(inSuffixPattern, "DIR") == 0;
-    const char* suffix = inSuffixPattern[0] == '*' ? inSuffixPattern + 1 : inSuffixPattern;
     while (dirent* entry = readdir(dir)) {
         const char* name = entry->d_name;
         if (strcmp(name, ".") == 0 || strcmp(name, "..") == 0) continue;
-        if (all || EndsWithNoCase(name, suffix)) outFileList.push_back(name);
+        if (TVPMNameMatchesPattern(name, inSuffixPattern)) outFileList.push_back(name);
         if (!dirs) continue;
         std::string full = std::string(inPath) + "/" + name;
         struct stat st;

@@ -20,6 +20,9 @@ void* TVPMFindSymbol(void* inDLL, const char* inSymbol, int inLogErrors);
 void* TVPMGetDLLForCaller(int num_frames);
 // The loaded library holding the code at ip.
 void* TVPMGetDLLForInstruction(void* ip);
+// The listing's name rule: any name for "*.*", else the name ends with the
+// pattern's text after one leading "*", compared case-insensitively.
+bool TVPMNameMatchesPattern(const char* name, const char* pattern);
 // Appends the names in inPath matching "*.ext" (case-insensitive), every name
 // for "*.*", and subfolder names for "DIR".
 void TVPMFetchDirectoryContents(const char* inPath, const char* inSuffixPattern,
