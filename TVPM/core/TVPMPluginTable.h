@@ -51,8 +51,9 @@ struct PluginRecord {
     bool weatherUpdatePending = false;
     // TVPMCallSite bits whose caught exception was already logged.
     uint32_t reportedThrows = 0;
-    // Unique for the process: tells a reloaded copy at the same ID apart.
-    uint64_t serial = 0;
+    // Unique per record ever made: tells a reused ID from the plugin that had
+    // it before, for records that outlive their plugin (map layers).
+    uint64_t generation = 0;
     TVPMDeliveryHead outstanding;
     TVPMDeliveryHead pending;
 };
@@ -69,7 +70,7 @@ public:
     PluginRecord& back() const { return *records_.back(); }
     PluginRecord& emplace_back() {
         records_.push_back(std::make_unique<PluginRecord>());
-        records_.back()->serial = ++lastSerial_;
+        records_.back()->generation = ++generations_;
         return *records_.back();
     }
     void pop_back() { records_.pop_back(); }
@@ -97,7 +98,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<PluginRecord>> records_;
-    uint64_t lastSerial_ = 0;
+    uint64_t generations_ = 0;
 };
 
 extern TVPMPluginTable gAllPlugins;
@@ -122,17 +123,17 @@ class TVPMPluginIncarnation {
 public:
     explicit TVPMPluginIncarnation(TVPMPluginID id) : id_(id) {
         const PluginRecord* r = TVPMGetPluginRecord(id);
-        serial_ = r ? r->serial : 0;
+        generation_ = r ? r->generation : 0;
     }
     PluginRecord* Get() const {
         PluginRecord* r = TVPMGetPluginRecord(id_);
-        return r && r->serial == serial_ ? r : nullptr;
+        return r && r->generation == generation_ ? r : nullptr;
     }
     TVPMPluginID id() const { return id_; }
 
 private:
     TVPMPluginID id_;
-    uint64_t serial_;
+    uint64_t generation_;
 };
 
 inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }

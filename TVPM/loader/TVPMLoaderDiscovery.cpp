@@ -96,12 +96,12 @@ void AppendPluginRecord(TVPMPluginID id, void* dll, const std::string& path,
     r.enableFunc = e.enable;
     r.disableFunc = e.disable;
     r.receiveMessageFunc = e.receiveMessage;
-    TVPMPublishPluginLibrary(r.serial, dll, id, r.name);
+    TVPMPublishPluginLibrary(r.generation, dll, id, r.name);
 }
 
 // Drops the table's last record (a plugin that never got going).
 void DropLastRecord(bool isAircraftPlugin) {
-    TVPMWithdrawPluginLibrary(gAllPlugins.back().serial);
+    TVPMWithdrawPluginLibrary(gAllPlugins.back().generation);
     gAllPlugins.pop_back();
     if (isAircraftPlugin && !gCurrentAircraftPluginIDS.empty())
         gCurrentAircraftPluginIDS.pop_back();
@@ -223,7 +223,7 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     r.name = name;
     r.signature = signature;
     r.description = description;
-    TVPMPublishPluginLibrary(r.serial, dll, id, r.name);
+    TVPMPublishPluginLibrary(r.generation, dll, id, r.name);
     TVPMDebugString("Loaded: ");
     TVPMDebugString(inPluginPath.c_str());
     TVPMDebugString(" (");

@@ -149,7 +149,7 @@ namespace {
 // refused as a duplicate. A library whose code is still on the stack is
 // closed once that code has returned.
 void ForgetLibrary(PluginRecord& r) {
-    TVPMWithdrawPluginLibrary(r.serial);
+    TVPMWithdrawPluginLibrary(r.generation);
     if (r.dllRef) {
         if (TVPMIsLibraryOnStack(r.dllRef))
             s_deferredCloses.push_back(r.dllRef);

@@ -13,7 +13,7 @@
 namespace {
 
 struct PublishedLibrary {
-    uint64_t serial;
+    uint64_t generation;
     const void* dll;
     TVPMPluginID id;
     const char* name;
@@ -27,22 +27,22 @@ const char* Intern(const std::string& name) { return s_names.insert(name).first-
 
 }  // namespace
 
-void TVPMPublishPluginLibrary(uint64_t serial, const void* dll, TVPMPluginID id,
+void TVPMPublishPluginLibrary(uint64_t generation, const void* dll, TVPMPluginID id,
                               const std::string& name) {
     std::lock_guard<std::mutex> lock(s_mutex);
     const char* interned = Intern(name);
     for (PublishedLibrary& entry : s_libraries)
-        if (entry.serial == serial) {
-            entry = {serial, dll, id, interned};
+        if (entry.generation == generation) {
+            entry = {generation, dll, id, interned};
             return;
         }
-    s_libraries.push_back({serial, dll, id, interned});
+    s_libraries.push_back({generation, dll, id, interned});
 }
 
-void TVPMWithdrawPluginLibrary(uint64_t serial) {
+void TVPMWithdrawPluginLibrary(uint64_t generation) {
     std::lock_guard<std::mutex> lock(s_mutex);
     for (size_t i = 0; i < s_libraries.size(); ++i)
-        if (s_libraries[i].serial == serial) {
+        if (s_libraries[i].generation == generation) {
             s_libraries.erase(s_libraries.begin() + static_cast<long>(i));
             return;
         }

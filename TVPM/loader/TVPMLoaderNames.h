@@ -6,12 +6,12 @@
 
 #include "TVPMPluginTable.h"
 
-// Plugin thread: the record with this serial now holds library dll under
+// Plugin thread: the record of this generation now holds library dll under
 // name (added, or renamed when it already holds it).
-void TVPMPublishPluginLibrary(uint64_t serial, const void* dll, TVPMPluginID id,
+void TVPMPublishPluginLibrary(uint64_t generation, const void* dll, TVPMPluginID id,
                               const std::string& name);
-// Plugin thread: the record with this serial no longer holds a library.
-void TVPMWithdrawPluginLibrary(uint64_t serial);
+// Plugin thread: the record of this generation no longer holds a library.
+void TVPMWithdrawPluginLibrary(uint64_t generation);
 
 // Any thread: the plugin holding dll, or -1. When outName is given it gets
 // the plugin's name; that text stays valid for the life of the process.
