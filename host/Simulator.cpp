@@ -73,6 +73,7 @@ void Simulator::Frame() {
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
     DrawGuiWindows();
+    WorldServicesFrame();
     Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
     Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
     CollectTimings();
