@@ -159,7 +159,20 @@ TEST(Symbols, OnlyInterfaceFunctionsAreExported) {
           "TVPMCountPlugins", "TVPMGetNthPlugin", "TVPMFindPluginByPath",
           "TVPMFindPluginBySignature", "TVPMGetPluginInfo", "TVPMSendMessageToPlugin",
           "TVPMSetErrorCallback", "TVPMHasFeature", "TVPMIsFeatureEnabled", "TVPMEnableFeature",
-          "TVPMEnumerateFeatures"})
+          "TVPMEnumerateFeatures", "TVPMFindPluginForIP"})
+        EXPECT_EQ(exported.count(name), 1u) << name;
+    // The world services: probes and objects, instances, aircraft, camera.
+    for (const char* name :
+         {"TVPMCreateProbe", "TVPMDestroyProbe", "TVPMProbeTerrainXYZ", "TVPMGetMagneticVariation",
+          "TVPMDegTrueToDegMagnetic", "TVPMDegMagneticToDegTrue", "TVPMLoadObject",
+          "TVPMLoadObjectAsync", "TVPMDrawObjects", "TVPMUnloadObject", "TVPMLookupObjects",
+          "TVPMCreateInstance", "TVPMDestroyInstance", "TVPMInstanceSetPosition",
+          "TVPMInstanceSetPositionDouble", "TVPMInstanceSetAutoShift", "TVPMSetUsersAircraft",
+          "TVPMPlaceUserAtAirport", "TVPMPlaceUserAtLocation", "TVPMCountAircraft",
+          "TVPMGetNthAircraftModel", "TVPMAcquirePlanes", "TVPMReleasePlanes",
+          "TVPMSetActiveAircraftCount", "TVPMSetAircraftModel", "TVPMDisableAIForPlane",
+          "TVPMDrawAircraft", "TVPMReinitUsersPlane", "TVPMControlCamera", "TVPMDontControlCamera",
+          "TVPMIsCameraBeingControlled", "TVPMReadCameraPosition"})
         EXPECT_EQ(exported.count(name), 1u) << name;
     for (const char* internal : {"__TVPMValidateThreadSafety", "gHooks", "gAllPlugins",
                                  "gDispatchedPlugin", "TVPMSendError", "TVPMHasFeatureInternal"})
