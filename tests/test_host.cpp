@@ -238,12 +238,12 @@ TEST(HostRun, SummaryShowsWhatTheExamplesRegistered) {
     const Outcome o = RunHost("--quiet");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
-         {"Plugins loaded: 3, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
+         {"Plugins loaded: 4, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
           "data items   2: tvpm/examples/panel_clock/elapsed_sec, tvpm/examples/panel_clock/window_visible",
           "commands     1: tvpm/examples/panel_clock/toggle_window", "menus        1: Panel Clock",
           "menu items   1: <Aircraft> > Toggle TCAS override", "windows      1: Panel Clock",
           "hot keys     1: Show or hide the panel clock", "flight loops 300 calls",
-          "published 10 simulator data items"})
+          "published 13 simulator data items", "commands     1: tvpm/examples/world_tour/fly_by"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
     EXPECT_NE(o.output.find("Panel Clock              flight loop                   300"), std::string::npos)
         << o.output;
