@@ -75,9 +75,11 @@ int TVPMAdjustCamera(float* ioX, float* ioY, float* ioZ, float* ioPitch, float* 
         gCurrentControlPlugin = TVPM_NO_PLUGIN_ID;
         return 1;
     }
-    // The callback may have given the camera away (disabled itself, handed
-    // it to another plugin): then its answer no longer counts.
-    if (!gIsControlled || gCurrentControlPlugin != controller) return 1;
+    // The callback may have given the camera away or taken it anew (disabled
+    // itself, another controller): then this answer no longer counts.
+    if (!gIsControlled || gCurrentControlPlugin != controller || gCurrentControlFunc != func ||
+        gCameraControlRef != refcon)
+        return 1;
     if (!keep) {
         gIsControlled = 0;
         return 1;
