@@ -33,6 +33,11 @@ bool Holds(TVPMPluginID id, TVPMObjectRef obj) {
     return it != gObjects.end() && std::find(it->second.begin(), it->second.end(), obj) != it->second.end();
 }
 
+void* LibraryOf(TVPMPluginID id) {
+    const PluginRecord* r = TVPMGetPluginRecord(id);
+    return r ? r->dllRef : nullptr;
+}
+
 void ReleaseProbeSlot(TVPMProbe_t* p) { gFreeProbes.insert(p->simProbe); }
 
 // A background load: filled in by the simulator's completion, then handed to
@@ -55,10 +60,15 @@ public:
             if (obj) gHooks->TVPMUnloadObject_f(obj);
         } else {
             const TVPMPluginID target = plugin;
+            void* const library = LibraryOf(target);
             TVPMCallPlugin(target, TVPMCallSite::kObjectLoaded, [&] {
                 if (cb) cb(obj, refcon);
             });
-            if (obj) gObjects[target].push_back(obj);
+            // An aircraft plugin may have reloaded itself from the callback.
+            if (obj && LibraryOf(target) == library)
+                gObjects[target].push_back(obj);
+            else if (obj)
+                gHooks->TVPMUnloadObject_f(obj);
         }
         delete this;
     }
