@@ -167,7 +167,7 @@ TEST_F(WorldControl, UserAircraftOperationsKeepTheSimulatorsConventions) {
     EXPECT_EQ(host.CallsTo("TVPMInitAtLocation_f").at(0).args, (Lines{"47.5", "-122.3", "1000", "90", "100"}));
 }
 
-TEST_F(WorldControl, ControlEndsWithTheHoldersDisableAndTheQueueWithItsUnload) {
+TEST_F(WorldControl, ControlEndsWithTheHoldersDisableAndDisabledPluginsAreNotCalledBack) {
     Acquire("alpha.tvp");
     Acquire("beta.tvp");
     TVPMDisablePlugin(alpha);
@@ -176,7 +176,7 @@ TEST_F(WorldControl, ControlEndsWithTheHoldersDisableAndTheQueueWithItsUnload) {
     TVPMEnablePlugin(alpha);
     Acquire("beta.tvp");
     Acquire("alpha.tvp");  // alpha waits
-    host.Shutdown();       // beta disabled (releases, alpha is already off), then all unloaded
+    host.Shutdown();       // alpha is disabled before beta releases: it is not called
     EXPECT_EQ(Heard(), (Lines{"free@" + std::to_string(beta)}));
     EXPECT_EQ(TVPMGetTrafficControlPluginInfo(nullptr, nullptr), -1);
 }
