@@ -159,7 +159,14 @@ TEST(Symbols, OnlyInterfaceFunctionsAreExported) {
           "TVPMCountPlugins", "TVPMGetNthPlugin", "TVPMFindPluginByPath",
           "TVPMFindPluginBySignature", "TVPMGetPluginInfo", "TVPMSendMessageToPlugin",
           "TVPMSetErrorCallback", "TVPMHasFeature", "TVPMIsFeatureEnabled", "TVPMEnableFeature",
-          "TVPMEnumerateFeatures", "TVPMFindPluginForIP"})
+          "TVPMEnumerateFeatures", "TVPMGetMETARForAirport", "TVPMGetWeatherAtLocation",
+          "TVPMBeginWeatherUpdate", "TVPMEndWeatherUpdate", "TVPMSetWeatherAtLocation",
+          "TVPMEraseWeatherAtLocation", "TVPMSetWeatherAtAirport", "TVPMEraseWeatherAtAirport",
+          "TVPMCreateMapLayer", "TVPMDestroyMapLayer", "TVPMRegisterMapCreationHook",
+          "TVPMMapExists", "TVPMDrawMapIconFromSheet", "TVPMDrawMapLabel", "TVPMMapProject",
+          "TVPMMapUnproject", "TVPMMapScaleMeter", "TVPMMapGetNorthHeading",
+          "TVPMGetFirstNavAid", "TVPMGetGPSDestination", "TVPMSetGraphicsState",
+          "TVPMMeasureString", "TVPMFindPluginForIP"})
         EXPECT_EQ(exported.count(name), 1u) << name;
     // The world services: probes and objects, instances, aircraft, camera.
     for (const char* name :
