@@ -33,11 +33,6 @@ bool Holds(TVPMPluginID id, TVPMObjectRef obj) {
     return it != gObjects.end() && std::find(it->second.begin(), it->second.end(), obj) != it->second.end();
 }
 
-void* LibraryOf(TVPMPluginID id) {
-    const PluginRecord* r = TVPMGetPluginRecord(id);
-    return r ? r->dllRef : nullptr;
-}
-
 void ReleaseProbeSlot(TVPMProbe_t* p) { gFreeProbes.insert(p->simProbe); }
 
 // A background load: filled in by the simulator's completion, then handed to
@@ -59,14 +54,17 @@ public:
         if (targetGone) {
             if (obj) gHooks->TVPMUnloadObject_f(obj);
         } else {
-            const TVPMPluginID target = plugin;
-            void* const library = LibraryOf(target);
-            TVPMCallPlugin(target, TVPMCallSite::kObjectLoaded, [&] {
+            const TVPMPluginIncarnation target(plugin);
+            const PluginRecord* before = target.Get();
+            void* const library = before ? before->dllRef : nullptr;
+            TVPMCallPlugin(target.id(), TVPMCallSite::kObjectLoaded, [&] {
                 if (cb) cb(obj, refcon);
             });
-            // An aircraft plugin may have reloaded itself from the callback.
-            if (obj && LibraryOf(target) == library)
-                gObjects[target].push_back(obj);
+            // An aircraft plugin may have reloaded itself from the callback:
+            // then nobody is left to hold the object.
+            const PluginRecord* after = target.Get();
+            if (obj && after && after->dllRef == library)
+                gObjects[target.id()].push_back(obj);
             else if (obj)
                 gHooks->TVPMUnloadObject_f(obj);
         }
