@@ -17,7 +17,7 @@ const char* const kBuiltInDevices[] = {"primary flight display", "multi-function
 constexpr int kBuiltInCount = sizeof kBuiltInDevices / sizeof kBuiltInDevices[0];
 constexpr int kCreatedDeviceNumber = -1;
 constexpr long kInputEveryFrames = 30;
-float kCockpitTint[3] = {0.9f, 0.85f, 0.8f};
+float s_cockpitTint[3] = {0.9f, 0.85f, 0.8f};
 
 struct Device {
     int number;
@@ -80,7 +80,7 @@ std::vector<Device> AllDevices() {
 // Bezel, then the plugins' before-screen pass (which may suppress the
 // simulator's own screen), then the after-screen pass.
 void Draw(const AvionicsHooks& h, const Device& d) {
-    if (h.needsBezel(d.number, d.display)) h.doBezel(d.number, d.display, kCockpitTint);
+    if (h.needsBezel(d.number, d.display)) h.doBezel(d.number, d.display, s_cockpitTint);
     if (h.needsScreen(d.number, d.display, 1)) h.doScreen(d.number, d.display, 1);
     if (h.needsScreen(d.number, d.display, 0)) h.doScreen(d.number, d.display, 0);
     if (h.needsBrightness(d.number, d.display)) h.doBrightness(d.number, 1.0f, 0.5f, 1.0f, d.display);

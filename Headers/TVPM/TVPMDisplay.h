@@ -378,7 +378,8 @@ struct TVPMCreateAvionics_t {
  * or the plugin already made exactly this customisation. inParams is read
  * during the call only. */
 TVPM_API TVPMAvionicsID TVPMRegisterAvionicsCallbacksEx(TVPMCustomizeAvionics_t* inParams);
-/* Ends a customisation; an unknown [handle] is ignored. Safe from inside the
+/* Ends a customisation (a created device is destroyed as by
+ * TVPMDestroyAvionics); an unknown [handle] is ignored. Safe from inside the
  * customisation's own callbacks. */
 TVPM_API void TVPMUnregisterAvionicsCallbacks(TVPMAvionicsID inAvionicsId);
 /* A [handle] on built-in device inDeviceID for the calls below, without

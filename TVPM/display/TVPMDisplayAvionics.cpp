@@ -98,8 +98,13 @@ void DestroyHostDisplay(const TVPMAvionicsRecord& r) {
         gHooks->TVPMDestroyAvionics_f(r.data.glass_display);
 }
 
-TVPMAvionicsRecord* LiveRecord(TVPMAvionicsID id) {
-    return gAvionics.Contains(id) ? static_cast<TVPMAvionicsRecord*>(id) : nullptr;
+// Ignores anything but a live record of gAvionics.
+void DestroyRecord(TVPMAvionicsID id) {
+    if (!gAvionics.Contains(id)) return;
+    auto* r = static_cast<TVPMAvionicsRecord*>(id);
+    DestroyHostDisplay(*r);
+    // The simulator may have called back into the library meanwhile.
+    if (gAvionics.Contains(r)) gAvionics.Remove(r);
 }
 
 }  // namespace
@@ -134,9 +139,10 @@ TVPM_API TVPMAvionicsID TVPMRegisterAvionicsCallbacksEx(TVPMCustomizeAvionics_t*
     return r.release();
 }
 
+// A created device goes from the simulator too, so that none outlives its record.
 TVPM_API void TVPMUnregisterAvionicsCallbacks(TVPMAvionicsID inAvionicsId) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    if (TVPMAvionicsRecord* r = LiveRecord(inAvionicsId)) gAvionics.Remove(r);
+    DestroyRecord(inAvionicsId);
 }
 
 TVPM_API TVPMAvionicsID TVPMGetAvionicsHandle(TVPMDeviceID inDeviceID) {
@@ -162,9 +168,5 @@ TVPM_API TVPMAvionicsID TVPMCreateAvionicsEx(TVPMCreateAvionics_t* inParams) {
 
 TVPM_API void TVPMDestroyAvionics(TVPMAvionicsID inHandle) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    TVPMAvionicsRecord* r = LiveRecord(inHandle);
-    if (!r) return;
-    DestroyHostDisplay(*r);
-    // The simulator may have called back into the library meanwhile.
-    if (gAvionics.Contains(r)) gAvionics.Remove(r);
+    DestroyRecord(inHandle);
 }
