@@ -40,6 +40,20 @@ TVPMAvionicsRecord* FindEqual(TVPMRecordSet<TVPMAvionicsRecord>& set,
     return nullptr;
 }
 
+// Both parameter structures name their input callbacks alike.
+template <class Params>
+void CopyInputCallbacks(const Params& p, plugin_glass_callbacks_t& c) {
+    c.click_bezel = p.bezelClickCallback;
+    c.right_click_bezel = p.bezelRightClickCallback;
+    c.scroll_bezel = p.bezelScrollCallback;
+    c.cursor_bezel = p.bezelCursorCallback;
+    c.touch_screen = p.screenTouchCallback;
+    c.right_touch_screen = p.screenRightTouchCallback;
+    c.scroll_screen = p.screenScrollCallback;
+    c.cursor_screen = p.screenCursorCallback;
+    c.keyboard = p.keyboardCallback;
+}
+
 // The short form holds only its first 32 bytes; its refcon sits where the
 // full form has bezelClickCallback.
 bool ReadCustomization(const TVPMCustomizeAvionics_t* in, TVPMAvionicsRecord& r) {
@@ -59,15 +73,7 @@ bool ReadCustomization(const TVPMCustomizeAvionics_t* in, TVPMAvionicsRecord& r)
     plugin_glass_callbacks_t& c = r.callbacks;
     c.draw_pre = p.drawCallbackBefore;
     c.draw_post = p.drawCallbackAfter;
-    c.click_bezel = p.bezelClickCallback;
-    c.right_click_bezel = p.bezelRightClickCallback;
-    c.scroll_bezel = p.bezelScrollCallback;
-    c.cursor_bezel = p.bezelCursorCallback;
-    c.touch_screen = p.screenTouchCallback;
-    c.right_touch_screen = p.screenRightTouchCallback;
-    c.scroll_screen = p.screenScrollCallback;
-    c.cursor_screen = p.screenCursorCallback;
-    c.keyboard = p.keyboardCallback;
+    CopyInputCallbacks(p, c);
     return true;
 }
 
@@ -81,15 +87,7 @@ void ReadCreation(const TVPMCreateAvionics_t& p, TVPMAvionicsRecord& r) {
     plugin_glass_callbacks_t& c = r.callbacks;
     c.draw_screen = p.drawCallback;
     c.draw_bezel = p.bezelDrawCallback;
-    c.click_bezel = p.bezelClickCallback;
-    c.right_click_bezel = p.bezelRightClickCallback;
-    c.scroll_bezel = p.bezelScrollCallback;
-    c.cursor_bezel = p.bezelCursorCallback;
-    c.touch_screen = p.screenTouchCallback;
-    c.right_touch_screen = p.screenRightTouchCallback;
-    c.scroll_screen = p.screenScrollCallback;
-    c.cursor_screen = p.screenCursorCallback;
-    c.keyboard = p.keyboardCallback;
+    CopyInputCallbacks(p, c);
     c.brightness = p.brightnessCallback;
 }
 

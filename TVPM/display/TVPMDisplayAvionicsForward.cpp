@@ -25,71 +25,58 @@ auto Forward(TVPMAvionicsID id, A... args) {
 // Bounds travel as {left, top, right, bottom}.
 template <auto Slot>
 void GetBounds(TVPMAvionicsID id, int* left, int* top, int* right, int* bottom) {
-    int lbrt[4] = {0, 0, 0, 0};
+    int ltrb[4] = {0, 0, 0, 0};
     if (!TVPMFindAvionics(id) || !(gHooks->*Slot)) return;
-    Forward<Slot>(id, lbrt);
-    if (left) *left = lbrt[0];
-    if (top) *top = lbrt[1];
-    if (right) *right = lbrt[2];
-    if (bottom) *bottom = lbrt[3];
+    Forward<Slot>(id, ltrb);
+    if (left) *left = ltrb[0];
+    if (top) *top = ltrb[1];
+    if (right) *right = ltrb[2];
+    if (bottom) *bottom = ltrb[3];
 }
 
 template <auto Slot>
 void SetBounds(TVPMAvionicsID id, int left, int top, int right, int bottom) {
-    int lbrt[4] = {left, top, right, bottom};
-    Forward<Slot>(id, lbrt);
+    int ltrb[4] = {left, top, right, bottom};
+    Forward<Slot>(id, ltrb);
 }
 
 }  // namespace
 
-TVPM_API int TVPMIsAvionicsBound(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMIsAvionicsBound_f>(inHandle);
-}
-TVPM_API void TVPMSetAvionicsBrightnessRheo(TVPMAvionicsID inHandle, float brightness) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    Forward<&TVPMHooks::TVPMSetAvionicsBrightness_f>(inHandle, brightness);
-}
-TVPM_API float TVPMGetAvionicsBrightnessRheo(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMGetAvionicsBrightness_f>(inHandle);
-}
-TVPM_API float TVPMGetAvionicsBusVoltsRatio(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMGetAvionicsBusVolts_f>(inHandle);
-}
-TVPM_API void TVPMSetAvionicsPopupVisible(TVPMAvionicsID inHandle, int inVisible) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    Forward<&TVPMHooks::TVPMSetAvionicsPopupVisible_f>(inHandle, inVisible);
-}
-TVPM_API int TVPMIsAvionicsPopupVisible(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMIsAvionicsPopupVisible_f>(inHandle);
-}
-TVPM_API void TVPMPopOutAvionics(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    Forward<&TVPMHooks::TVPMPopOutAvionics_f>(inHandle);
-}
-TVPM_API int TVPMIsAvionicsPoppedOut(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMIsAvionicsPoppedOut_f>(inHandle);
-}
-TVPM_API int TVPMIsCursorOverAvionics(TVPMAvionicsID inHandle, int* outX, int* outY) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMIsMouseOverAvionics_f>(inHandle, outX, outY);
-}
-TVPM_API void TVPMAvionicsNeedsDrawing(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    Forward<&TVPMHooks::TVPMAvionicsNeedsDrawing_f>(inHandle);
-}
-TVPM_API void TVPMTakeAvionicsKeyboardFocus(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    Forward<&TVPMHooks::TVPMTakeAvionicsKeyboardFocus_f>(inHandle);
-}
-TVPM_API int TVPMHasAvionicsKeyboardFocus(TVPMAvionicsID inHandle) {
-    TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return Forward<&TVPMHooks::TVPMHasAvionicsKeyboardFocus_f>(inHandle);
-}
+#define TVPM_ARGS(...) __VA_ARGS__
+
+// One exported function per row: its result, name, host slot, and the
+// parameters after the handle with the arguments they pass on.
+#define TVPM_AVIONICS_FORWARDER(Result, Name, Slot, Params, Args) \
+    TVPM_API Result Name(TVPMAvionicsID inHandle Params) {        \
+        TVPM_CHECK_THREAD_IF_DIAGNOSING();                        \
+        return Forward<&TVPMHooks::Slot>(inHandle Args);          \
+    }
+#define TVPM_NONE
+TVPM_AVIONICS_FORWARDER(int, TVPMIsAvionicsBound, TVPMIsAvionicsBound_f, TVPM_NONE, TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(void, TVPMSetAvionicsBrightnessRheo, TVPMSetAvionicsBrightness_f,
+                        TVPM_ARGS(, float brightness), TVPM_ARGS(, brightness))
+TVPM_AVIONICS_FORWARDER(float, TVPMGetAvionicsBrightnessRheo, TVPMGetAvionicsBrightness_f,
+                        TVPM_NONE, TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(float, TVPMGetAvionicsBusVoltsRatio, TVPMGetAvionicsBusVolts_f, TVPM_NONE,
+                        TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(void, TVPMSetAvionicsPopupVisible, TVPMSetAvionicsPopupVisible_f,
+                        TVPM_ARGS(, int inVisible), TVPM_ARGS(, inVisible))
+TVPM_AVIONICS_FORWARDER(int, TVPMIsAvionicsPopupVisible, TVPMIsAvionicsPopupVisible_f, TVPM_NONE,
+                        TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(void, TVPMPopOutAvionics, TVPMPopOutAvionics_f, TVPM_NONE, TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(int, TVPMIsAvionicsPoppedOut, TVPMIsAvionicsPoppedOut_f, TVPM_NONE,
+                        TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(int, TVPMIsCursorOverAvionics, TVPMIsMouseOverAvionics_f,
+                        TVPM_ARGS(, int* outX, int* outY), TVPM_ARGS(, outX, outY))
+TVPM_AVIONICS_FORWARDER(void, TVPMAvionicsNeedsDrawing, TVPMAvionicsNeedsDrawing_f, TVPM_NONE,
+                        TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(void, TVPMTakeAvionicsKeyboardFocus, TVPMTakeAvionicsKeyboardFocus_f,
+                        TVPM_NONE, TVPM_NONE)
+TVPM_AVIONICS_FORWARDER(int, TVPMHasAvionicsKeyboardFocus, TVPMHasAvionicsKeyboardFocus_f,
+                        TVPM_NONE, TVPM_NONE)
+#undef TVPM_NONE
+#undef TVPM_AVIONICS_FORWARDER
+
 TVPM_API void TVPMGetAvionicsGeometry(TVPMAvionicsID inHandle, int* outLeft, int* outTop,
                                       int* outRight, int* outBottom) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
@@ -114,3 +101,4 @@ TVPM_API void TVPMSetAvionicsGeometryOS(TVPMAvionicsID inHandle, int inLeft, int
     SetBounds<&TVPMHooks::TVPMSetAvionicsWindowBoundsOS_f>(inHandle, inLeft, inTop, inRight,
                                                            inBottom);
 }
+#undef TVPM_ARGS
