@@ -107,7 +107,7 @@ void DestroyRecord(TVPMAvionicsID id) {
 
 }  // namespace
 
-TVPM_FAMILY_RECORD_COUNT("avionics devices", [](TVPMPluginID id) { return gAvionics.CountOwnedBy(id); });
+TVPM_FAMILY_RECORD_COUNT("avionics records", [](TVPMPluginID id) { return gAvionics.CountOwnedBy(id); });
 TVPM_FAMILY_RECORD_COUNT("avionics handles", [](TVPMPluginID id) { return s_handleOnly.CountOwnedBy(id); });
 
 bool TVPMAvionicsRecord::operator==(const TVPMAvionicsRecord& other) const {
