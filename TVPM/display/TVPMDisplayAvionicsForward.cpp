@@ -42,39 +42,34 @@ void SetBounds(TVPMAvionicsID id, int left, int top, int right, int bottom) {
 
 }  // namespace
 
-#define TVPM_ARGS(...) __VA_ARGS__
+// X(return type, exported name, slot, (parameters), (arguments)); the handle
+// comes first in both lists.
+#define TVPM_AVIONICS_FORWARDERS(X)                                                           \
+    X(int, TVPMIsAvionicsBound, TVPMIsAvionicsBound_f, (TVPMAvionicsID h), (h))                \
+    X(void, TVPMSetAvionicsBrightnessRheo, TVPMSetAvionicsBrightness_f,                       \
+      (TVPMAvionicsID h, float brightness), (h, brightness))                                  \
+    X(float, TVPMGetAvionicsBrightnessRheo, TVPMGetAvionicsBrightness_f, (TVPMAvionicsID h),   \
+      (h))                                                                                    \
+    X(float, TVPMGetAvionicsBusVoltsRatio, TVPMGetAvionicsBusVolts_f, (TVPMAvionicsID h), (h)) \
+    X(void, TVPMSetAvionicsPopupVisible, TVPMSetAvionicsPopupVisible_f,                       \
+      (TVPMAvionicsID h, int visible), (h, visible))                                          \
+    X(int, TVPMIsAvionicsPopupVisible, TVPMIsAvionicsPopupVisible_f, (TVPMAvionicsID h), (h))  \
+    X(void, TVPMPopOutAvionics, TVPMPopOutAvionics_f, (TVPMAvionicsID h), (h))                 \
+    X(int, TVPMIsAvionicsPoppedOut, TVPMIsAvionicsPoppedOut_f, (TVPMAvionicsID h), (h))        \
+    X(int, TVPMIsCursorOverAvionics, TVPMIsMouseOverAvionics_f,                               \
+      (TVPMAvionicsID h, int* outX, int* outY), (h, outX, outY))                              \
+    X(void, TVPMAvionicsNeedsDrawing, TVPMAvionicsNeedsDrawing_f, (TVPMAvionicsID h), (h))     \
+    X(void, TVPMTakeAvionicsKeyboardFocus, TVPMTakeAvionicsKeyboardFocus_f, (TVPMAvionicsID h), \
+      (h))                                                                                    \
+    X(int, TVPMHasAvionicsKeyboardFocus, TVPMHasAvionicsKeyboardFocus_f, (TVPMAvionicsID h),   \
+      (h))
 
-// One exported function per row: its result, name, host slot, and the
-// parameters after the handle with the arguments they pass on.
-#define TVPM_AVIONICS_FORWARDER(Result, Name, Slot, Params, Args) \
-    TVPM_API Result Name(TVPMAvionicsID inHandle Params) {        \
-        TVPM_CHECK_THREAD_IF_DIAGNOSING();                        \
-        return Forward<&TVPMHooks::Slot>(inHandle Args);          \
+#define TVPM_AVIONICS_FORWARDER(ret, name, slot, params, args) \
+    TVPM_API ret name params {                                 \
+        TVPM_CHECK_THREAD_IF_DIAGNOSING();                     \
+        return Forward<&TVPMHooks::slot> args;                 \
     }
-#define TVPM_NONE
-TVPM_AVIONICS_FORWARDER(int, TVPMIsAvionicsBound, TVPMIsAvionicsBound_f, TVPM_NONE, TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(void, TVPMSetAvionicsBrightnessRheo, TVPMSetAvionicsBrightness_f,
-                        TVPM_ARGS(, float brightness), TVPM_ARGS(, brightness))
-TVPM_AVIONICS_FORWARDER(float, TVPMGetAvionicsBrightnessRheo, TVPMGetAvionicsBrightness_f,
-                        TVPM_NONE, TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(float, TVPMGetAvionicsBusVoltsRatio, TVPMGetAvionicsBusVolts_f, TVPM_NONE,
-                        TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(void, TVPMSetAvionicsPopupVisible, TVPMSetAvionicsPopupVisible_f,
-                        TVPM_ARGS(, int inVisible), TVPM_ARGS(, inVisible))
-TVPM_AVIONICS_FORWARDER(int, TVPMIsAvionicsPopupVisible, TVPMIsAvionicsPopupVisible_f, TVPM_NONE,
-                        TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(void, TVPMPopOutAvionics, TVPMPopOutAvionics_f, TVPM_NONE, TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(int, TVPMIsAvionicsPoppedOut, TVPMIsAvionicsPoppedOut_f, TVPM_NONE,
-                        TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(int, TVPMIsCursorOverAvionics, TVPMIsMouseOverAvionics_f,
-                        TVPM_ARGS(, int* outX, int* outY), TVPM_ARGS(, outX, outY))
-TVPM_AVIONICS_FORWARDER(void, TVPMAvionicsNeedsDrawing, TVPMAvionicsNeedsDrawing_f, TVPM_NONE,
-                        TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(void, TVPMTakeAvionicsKeyboardFocus, TVPMTakeAvionicsKeyboardFocus_f,
-                        TVPM_NONE, TVPM_NONE)
-TVPM_AVIONICS_FORWARDER(int, TVPMHasAvionicsKeyboardFocus, TVPMHasAvionicsKeyboardFocus_f,
-                        TVPM_NONE, TVPM_NONE)
-#undef TVPM_NONE
+TVPM_AVIONICS_FORWARDERS(TVPM_AVIONICS_FORWARDER)
 #undef TVPM_AVIONICS_FORWARDER
 
 TVPM_API void TVPMGetAvionicsGeometry(TVPMAvionicsID inHandle, int* outLeft, int* outTop,
@@ -101,4 +96,3 @@ TVPM_API void TVPMSetAvionicsGeometryOS(TVPMAvionicsID inHandle, int inLeft, int
     SetBounds<&TVPMHooks::TVPMSetAvionicsWindowBoundsOS_f>(inHandle, inLeft, inTop, inRight,
                                                            inBottom);
 }
-#undef TVPM_ARGS
