@@ -9,6 +9,7 @@
 #include "../TVPM/core/TVPMPluginTable.cpp"
 #include "../TVPM/core/TVPMDeliveries.cpp"
 #include "../TVPM/core/TVPMDispatch.cpp"
+#include "../TVPM/core/TVPMCallPlugin.cpp"
 #include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"

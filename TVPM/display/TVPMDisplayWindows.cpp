@@ -10,6 +10,8 @@ TVPMWindow* gFocusWindow = nullptr;
 TVPMWindow* gDragWindow = nullptr;
 int gDragWindowReceivedDownClickFromBtn = -1;
 
+TVPM_FAMILY_RECORD_COUNT("windows", [](TVPMPluginID id) { return gWindows.CountOwnedBy(id); });
+
 namespace {
 
 constexpr int kCreateWindowPlainSize = 72;
@@ -80,11 +82,10 @@ private:
 // destroys or hides itself in this call starts a hand-over of its own; that
 // one must not tell it again, or the two would never end.
 void TellWindowItLosesFocus(TVPMWindow* losing, TVPMWindow* taking) {
-    if (losing == s_windowBeingToldOfLoss) return;
-    StDispatchCallback scope(losing->plugin);
-    if (!scope() || !losing->keyCallback) return;
+    if (losing == s_windowBeingToldOfLoss || !losing->keyCallback) return;
     StTellingOfLoss telling(losing);
-    losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1);
+    TVPMCallPlugin(losing->plugin, TVPMCallSite::kWindow,
+                   [&] { losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1); });
 }
 
 TVPMWindow* NewWindow(int visible, TVPMDrawWindow_f draw, TVPMHandleKey_f key,
@@ -111,8 +112,7 @@ void SetPlainRect(TVPMWindow* w, int left, int top, int right, int bottom) {
 // ---- Walks and look-up -------------------------------------------------------------
 
 TVPMWindowWalk::TVPMWindowWalk(Direction d) : order(AcquireWalkOrder()) {
-    for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
-        if (!w->is_dead()) order.push_back(w);
+    for (TVPMWalk<TVPMWindow> walk(gWindows); TVPMWindow* w = walk.Next();) order.push_back(w);
     if (d == kBackToFront) std::reverse(order.begin(), order.end());
 }
 
@@ -126,17 +126,12 @@ TVPMWindow* TVPMWindowWalk::Next() {
     return nullptr;
 }
 
-bool TVPMWindowIsValid(TVPMWindowID id) {
-    if (!id) return false;
-    for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
-        if (w == id) return !w->is_dead();
-    return false;
-}
+bool TVPMWindowIsValid(TVPMWindowID id) { return gWindows.Contains(id); }
 
 // ---- Focus and destruction ------------------------------------------------------------
 
 void TVPMDisplayTakeFocus(TVPMWindowID id) {
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold(gWindows);
     TVPMWindow* w = TVPMFindWindow(id);
     if (w == gFocusWindow) return;
     if (w && !TVPMDisplayPluginEnabled(w->plugin)) return;
@@ -149,7 +144,7 @@ void TVPMDisplayTakeFocus(TVPMWindowID id) {
 }
 
 void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold(gWindows);
     if (w == gFocusWindow) TVPMDisplayTakeFocus(nullptr);
     if (w->is_dead()) return;  // its own focus-loss callback destroyed it
     if (w == gDragWindow) TVPMDisplayClearDrag();
@@ -288,7 +283,7 @@ TVPM_API int TVPMGetWindowIsVisible(TVPMWindowID inWindowID) {
 
 TVPM_API void TVPMSetWindowIsVisible(TVPMWindowID inWindowID, int inIsVisible) {
     TVPM_CHECK_THREAD();
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold(gWindows);
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return;
     if (w->visible && !inIsVisible && w == gFocusWindow) {
@@ -326,8 +321,8 @@ TVPM_API int TVPMIsWindowInFront(TVPMWindowID inWindowID) {
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return 0;
     if (w->isGuiBacked) return gHooks->TVPMGuiWindowIsInFront_f(w) ? 1 : 0;
-    for (TVPMWindow* h = gWindows.Head(); h; h = h->get_next())
-        if (!h->is_dead() && h->visible) return h == w ? 1 : 0;
+    for (TVPMWalk<TVPMWindow> walk(gWindows); TVPMWindow* h = walk.Next();)
+        if (h->visible) return h == w ? 1 : 0;
     return 0;
 }
 

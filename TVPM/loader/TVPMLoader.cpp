@@ -126,8 +126,7 @@ TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID inPlugin, int inMessage, void
     for (TVPMPluginID id = first; id <= last && id < TVPMCountPlugins(); ++id) {
         TVPMPluginReceiveMessage_f receive = gAllPlugins[static_cast<size_t>(id)].receiveMessageFunc;
         if (!receive) continue;
-        StDispatchCallback scope(id);
-        if (scope()) receive(sender, inMessage, inParam);
+        TVPMCallPlugin(id, TVPMCallSite::kMessage, [&] { receive(sender, inMessage, inParam); });
     }
 }
 
