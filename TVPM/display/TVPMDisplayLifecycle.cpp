@@ -37,7 +37,7 @@ void TVPMDisplayCleanupHook(TVPMPluginID id) {
     gDrawCallbacks.RemoveOwnedBy(id);
     gKeyCallbacks.RemoveOwnedBy(id);
     TVPMDisplayAvionicsCleanupHook(id);
-    for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
-        if (w->plugin == id) TVPMDisplayDestroyWindowRecord(w);
+    // Front to back. The owner is disabled by now, so no focus-loss call runs.
+    gWindows.RemoveOwnedBy(id, TVPMDisplayReleaseWindow);
     gHotKeys.RemoveOwnedBy(id);
 }

@@ -95,8 +95,12 @@ inline TVPMWindow* TVPMFindWindow(TVPMWindowID id) {
 // Takes focus away from the focused window, if any (see TVPMTakeKeyboardFocus).
 void TVPMDisplayTakeFocus(TVPMWindowID id);
 
-// Destroys a live window: focus and mouse released, the simulator's window
-// destroyed, the record removed.
+// Releases a live window's focus and mouse and destroys the simulator's
+// window, leaving the record to the caller. False when the window's own
+// focus-loss callback destroyed it meanwhile.
+bool TVPMDisplayReleaseWindow(TVPMWindow* w);
+
+// Destroys a live window: released as above, then the record removed.
 void TVPMDisplayDestroyWindowRecord(TVPMWindow* w);
 
 // Ends any mouse capture.

@@ -143,13 +143,18 @@ void TVPMDisplayTakeFocus(TVPMWindowID id) {
     TellHostFocus(w);
 }
 
-void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
+bool TVPMDisplayReleaseWindow(TVPMWindow* w) {
     TVPMListHold<TVPMWindow> hold(gWindows);
     if (w == gFocusWindow) TVPMDisplayTakeFocus(nullptr);
-    if (w->is_dead()) return;  // its own focus-loss callback destroyed it
+    if (w->is_dead()) return false;  // its own focus-loss callback destroyed it
     if (w == gDragWindow) TVPMDisplayClearDrag();
     if (w->isGuiBacked) gHooks->TVPMDestroyGuiPluginWindow_f(w);
-    gWindows.Remove(w);
+    return true;
+}
+
+void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
+    TVPMListHold<TVPMWindow> hold(gWindows);
+    if (TVPMDisplayReleaseWindow(w)) gWindows.Remove(w);
 }
 
 // ---- Creation ------------------------------------------------------------------------
