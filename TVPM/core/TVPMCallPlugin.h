@@ -2,7 +2,8 @@
 //
 // Every call from the library into a plugin goes through TVPMCallPlugin (or,
 // for the loader's TPluginStart/TPluginStop, which run before and after the
-// plugin is callable, TVPMGuardPluginCall inside the loader's own context).
+// plugin is callable, and for the error callback, which runs in the context of
+// the call that misused the interface, TVPMGuardPluginCall).
 //
 //   int handled = 1;   // the neutral answer, kept if the plugin throws
 //   TVPMCallPlugin(r->plugin, TVPMCallSite::kCommand,
