@@ -132,7 +132,6 @@ class TVPMWindowWalk {
 public:
     enum Direction { kFrontToBack, kBackToFront };
     explicit TVPMWindowWalk(Direction d);
-    ~TVPMWindowWalk();
     TVPMWindowWalk(const TVPMWindowWalk&) = delete;
     TVPMWindowWalk& operator=(const TVPMWindowWalk&) = delete;
 

@@ -17,14 +17,15 @@ namespace {
 constexpr int kCreateWindowPlainSize = 72;
 constexpr int kCreateWindowGuiSize = 88;
 
-// One copy of the stacking order per walk nesting depth; a deque, so that
-// growing it never moves a copy an outer walk is using.
+// One copy of the stacking order per depth of gWindows' holds, which a window
+// walk's own hold makes unique to it; a deque, so that growing it never moves
+// a copy an outer walk is using.
 std::deque<std::vector<TVPMWindow*>> s_walkOrders;
-size_t s_walkDepth = 0;
 
 std::vector<TVPMWindow*>& AcquireWalkOrder() {
-    if (s_walkDepth == s_walkOrders.size()) s_walkOrders.emplace_back();
-    std::vector<TVPMWindow*>& order = s_walkOrders[s_walkDepth++];
+    const size_t depth = static_cast<size_t>(gWindows.IterationDepth());
+    while (s_walkOrders.size() <= depth) s_walkOrders.emplace_back();
+    std::vector<TVPMWindow*>& order = s_walkOrders[depth];
     order.clear();
     return order;
 }
@@ -115,8 +116,6 @@ TVPMWindowWalk::TVPMWindowWalk(Direction d) : order(AcquireWalkOrder()) {
     for (TVPMWalk<TVPMWindow> walk(gWindows); TVPMWindow* w = walk.Next();) order.push_back(w);
     if (d == kBackToFront) std::reverse(order.begin(), order.end());
 }
-
-TVPMWindowWalk::~TVPMWindowWalk() { --s_walkDepth; }
 
 TVPMWindow* TVPMWindowWalk::Next() {
     while (pos < order.size()) {
