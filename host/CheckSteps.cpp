@@ -7,6 +7,7 @@
 #include <set>
 
 #include "CheckMode.h"
+#include "SimServices.h"
 #include "SimWorld.h"
 #include "Simulator.h"
 #include "TVPMApi.h"
@@ -141,6 +142,8 @@ void CheckInThisProcess(const CheckUnit& unit, const std::string& root, const st
         CheckStillMapped(pluginPath, "shut-down", f);
     }
     ReportLeftBehind(pluginPath, f);
+    AuditWorldServices(pluginPath, sim.log.pluginWarnings,
+                       [&f](const char* kind, const std::string& text) { f.Add(kind, text); });
     ReportLog(sim, f);
     ReportTimings(sim, pluginPath, f);
     for (auto& [path, n] : World().probesAllocated)

@@ -1,6 +1,7 @@
 // Simulator.cpp: the frame loop and the simulator events sent to TVPM.
 #include "Simulator.h"
 
+#include "SimServices.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -61,6 +62,7 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
         return false;
     }
     started = true;
+    AnnounceMaps();
     return true;
 }
 
@@ -73,6 +75,7 @@ void Simulator::Frame() {
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
     DrawGuiWindows();
+    DrawMapLayers();
     Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
     Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
     CollectTimings();

@@ -11,6 +11,8 @@
 #include "../TVPM/core/TVPMDispatch.cpp"
 #include "../TVPM/core/TVPMCallPlugin.cpp"
 #include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
+#include "../TVPM/loader/TVPMLoaderNames.cpp"
+#include "../TVPM/core/TVPMCallPlugin.cpp"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"
 
