@@ -9,7 +9,6 @@
 #include "../TVPM/core/TVPMPluginTable.cpp"
 #include "../TVPM/core/TVPMDeliveries.cpp"
 #include "../TVPM/core/TVPMDispatch.cpp"
-#include "../TVPM/core/TVPMCallPlugin.cpp"
 #include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
 #include "../TVPM/loader/TVPMLoaderNames.cpp"
 #include "../TVPM/core/TVPMCallPlugin.cpp"
