@@ -7,20 +7,16 @@
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMHost.h"
+#include "data_test_util.h"
 
 using namespace tvpmtest;
+using datatest::Occurrences;
 
 namespace {
 
 int* const kThrowCommand = reinterpret_cast<int*>(0x7001);
 constexpr int kFirstItemCode = 1000;
 int s_nextItemCode = kFirstItemCode;
-
-size_t Occurrences(const std::string& text, const std::string& part) {
-    size_t n = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
-    return n;
-}
 
 class PluginThrows : public SimTest {
 protected:
