@@ -43,10 +43,11 @@ void FailNext(const std::string& function, FMOD_RESULT result);
 std::vector<std::string> Journal();
 void ClearJournal();
 
-// A channel group: its name, its parent's name ("" for the master group), alive.
+// A channel group: its name, its parent's name ("" for the master group),
+// whether it is a bus's own group, whether it is still alive.
 struct GroupInfo {
     std::string name, parent;
-    bool alive;
+    bool bus, alive;
 };
 std::vector<GroupInfo> Groups();
 std::string GroupName(FMOD_CHANNELGROUP* group);
@@ -56,6 +57,7 @@ struct PlayInfo {
     std::string bus, group;  // the bus's name; the channel's group
     double start = 0, end = -1;  // end -1: still playing
     bool looping = false, stopped = false;  // stopped: ended before its sound ran out
+    bool released = false;  // its sound was released after it ended
     int rate = 0, channels = 0, format = 0;
     float volume = 1;
     std::shared_ptr<const std::vector<uint8_t>> pcm;

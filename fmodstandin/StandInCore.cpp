@@ -96,6 +96,7 @@ FMOD_RESULT FMOD_Sound_Release(FMOD_SOUND* sound) {
     for (auto& [id, c] : e.channels)
         if (c.sound == Id(sound)) playing.push_back(id);
     for (uint64_t id : playing) e.End(id, true, ended);
+    for (size_t play : e.sounds[Id(sound)].plays) e.plays[play].released = true;
     e.sounds.erase(Id(sound));
     e.Log("release sound");
     return kFMOD_OK;
@@ -130,6 +131,7 @@ FMOD_RESULT FMOD_System_PlaySound(FMOD_SYSTEM* system, FMOD_SOUND* sound, FMOD_C
     play.format = s->second.format;
     play.pcm = s->second.pcm;
     const uint64_t id = e.NewId();
+    s->second.plays.push_back(e.plays.size());
     e.channels[id] = Channel{Id(sound), Id(group), e.plays.size(), nullptr, false};
     e.plays.push_back(std::move(play));
     e.Log("playSound " + g->name + " channel " + std::to_string(id));

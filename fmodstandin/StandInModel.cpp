@@ -1,6 +1,8 @@
 // StandInModel.cpp: the stand-in engine's state, time and the control and inspection functions.
 #include "StandInModel.h"
 
+#include <algorithm>
+
 namespace fmodstandin {
 
 EndCallbacks::~EndCallbacks() {
@@ -38,7 +40,8 @@ void Engine::End(uint64_t channel, bool stopped, EndCallbacks& out) {
     auto it = channels.find(channel);
     if (it == channels.end()) return;
     PlayInfo& play = plays[it->second.play];
-    play.end = now;
+    const double runsOut = play.start + sounds[it->second.sound].duration;
+    play.end = stopped || play.looping ? now : std::min(now, runsOut);
     play.stopped = stopped;
     out.Add(it->second.callback, channel);
     channels.erase(it);
@@ -140,7 +143,7 @@ std::vector<GroupInfo> Groups() {
     std::vector<GroupInfo> out;
     for (auto& [id, g] : e.groups) {
         auto parent = e.groups.find(g.parent);
-        out.push_back({g.name, parent == e.groups.end() ? "" : parent->second.name, g.alive});
+        out.push_back({g.name, parent == e.groups.end() ? "" : parent->second.name, g.isBus, g.alive});
     }
     return out;
 }

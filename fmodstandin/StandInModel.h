@@ -25,6 +25,7 @@ struct Sound {
     int rate = 0, channels = 0, format = 0;
     bool looping = false;
     double duration = 0;
+    std::vector<size_t> plays;  // indices in Engine::plays
 };
 
 struct Channel {

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "CheckMode.h"
+#include "SimSound.h"
 #include "SimWorld.h"
 #include "Simulator.h"
 #include "TVPMApi.h"
@@ -141,6 +142,7 @@ void CheckInThisProcess(const CheckUnit& unit, const std::string& root, const st
         CheckStillMapped(pluginPath, "shut-down", f);
     }
     ReportLeftBehind(pluginPath, f);
+    for (auto& s : SoundLeftovers()) f.Add("problem", "left behind: " + s);
     ReportLog(sim, f);
     ReportTimings(sim, pluginPath, f);
     for (auto& [path, n] : World().probesAllocated)

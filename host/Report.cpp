@@ -59,6 +59,7 @@ void PrintProblems(const RunSummary& s) {
     block("Alerts", s.alerts);
     block("Left behind at unload", left);
     block("TVPM assertion failures", s.assertions);
+    block("Sound left in the engine after unload", s.soundLeftovers);
 }
 
 std::string TimingsJson(const PluginSummary& p) {
@@ -121,6 +122,10 @@ void PrintSummary(const RunSummary& s) {
         printf("  %-24s %s%s\n", p.name.c_str(), p.signature.c_str(), p.aircraft ? "  (aircraft)" : "");
         printf("      %-12s %s\n", "file", p.path.c_str());
         PrintRegistrations(p);
+    }
+    if (!s.sound.empty()) {
+        printf("\nSound per plugin channel group\n");
+        for (auto& line : s.sound) printf("  %s\n", line.c_str());
     }
     PrintTimings(s);
     PrintProblems(s);

@@ -130,8 +130,7 @@ public:
 
 SimWorld& World();
 
-// Fills all slots of the hook table with the headless simulator (FMOD slots
-// stay null: there is no sound system).
+// Fills all slots of the hook table with the headless simulator.
 void FillHooks(TVPMHooks& hooks);
 // The number (1-164) of a slot left empty that should not be, or 0.
 int EmptySlot(const TVPMHooks& hooks);
@@ -139,6 +138,8 @@ void FillDisplaySlots(TVPMHooks& hooks);
 void FillWorldSlots(TVPMHooks& hooks);
 void FillNavigationSlots(TVPMHooks& hooks);
 void FillCoreSlots(TVPMHooks& hooks);
+// The sound slots hand out the stand-in engine's systems and buses (SimSound.h).
+void FillSoundSlots(TVPMHooks& hooks);
 
 // Where the library's log goes (set by the run).
 extern std::function<void(const char*)> gLogSink;

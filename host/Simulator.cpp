@@ -1,6 +1,7 @@
 // Simulator.cpp: the frame loop and the simulator events sent to TVPM.
 #include "Simulator.h"
 
+#include "SimSound.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -69,6 +70,7 @@ void Simulator::Frame() {
     ++w.frame;
     w.CompleteAsyncLoads();
     const float now = w.ElapsedTime();
+    AdvanceSound(1.0 / w.fps);
     Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
