@@ -52,6 +52,7 @@ TEST_F(SoundRig, ASoundIsCreatedFromRawPCMAndCompletesAtTheNextFrame) {
         if (c.loop) {
             EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return TVPMStopAudio(ch); }), 0);
         }
+        EXPECT_TRUE(Completions::Seen().empty());
         host.RunFrame();  // the engine ended it; the plugin hears at the frame
         EXPECT_EQ(Completions::Seen(), std::vector<std::string>{std::to_string(alpha) + ":tone:0"});
         EXPECT_TRUE(Contains(fmodstandin::Journal(), "release sound"));

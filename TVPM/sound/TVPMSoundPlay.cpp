@@ -96,6 +96,21 @@ FMOD_CREATESOUNDEXINFO RawPCMInfo(uint32_t bytes, int format, int rateHz, int ch
     return info;
 }
 
+// Erases who's records from a queue container, releasing their sounds.
+template <class Container, class RecordOf>
+void DropOwnedBy(Container& records, TVPMPluginID who, RecordOf recordOf) {
+    const TVPMFMODEngine* e = TVPMFMOD();
+    for (auto it = records.begin(); it != records.end();) {
+        const PluginFMODSound& s = recordOf(*it);
+        if (s.plugin != who) {
+            ++it;
+            continue;
+        }
+        if (e && s.fmod_sound) e->soundRelease(s.fmod_sound);
+        it = records.erase(it);
+    }
+}
+
 }  // namespace
 
 bool TVPMDeliveringSoundCallbacks() { return s_delivering != 0; }
@@ -175,13 +190,7 @@ void StopPluginSounds(TVPMPluginID who) {
 
 void ForgetPluginSounds(TVPMPluginID who) {
     std::lock_guard<std::recursive_mutex> lock(mxSoundQueue);
-    const TVPMFMODEngine* e = TVPMFMOD();
-    for (auto it = active_sounds.begin(); it != active_sounds.end();) {
-        if (it->second.plugin != who) {
-            ++it;
-            continue;
-        }
-        if (e) e->soundRelease(it->second.fmod_sound);
-        it = active_sounds.erase(it);
-    }
+    DropOwnedBy(active_sounds, who, [](auto& entry) -> PluginFMODSound& { return entry.second; });
+    // An ID can name another plugin later: nothing queued may call this one.
+    DropOwnedBy(sounds_to_kill, who, [](PluginFMODSound& s) -> PluginFMODSound& { return s; });
 }

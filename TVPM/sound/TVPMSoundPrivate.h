@@ -74,5 +74,6 @@ extern std::deque<PluginFMODSound> sounds_to_kill;
 void StopPluginSounds(TVPMPluginID who);
 // True while completion callbacks are being delivered on this thread.
 bool TVPMDeliveringSoundCallbacks();
-// Releases sounds of who whose END never came, without calling the plugin.
+// Releases what is left of who's sounds (an END that never came, a group
+// cleared after its disable) without calling the plugin.
 void ForgetPluginSounds(TVPMPluginID who);
