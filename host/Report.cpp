@@ -156,7 +156,8 @@ bool WriteJsonReport(const RunSummary& s, const std::string& file, std::string& 
         << ",\"startError\":" << JsonString(s.startError) << ",\"plugins\":" << raw(plugins)
         << ",\"failed\":" << raw(failed) << ",\"loaderWarnings\":" << JsonList(s.loaderWarnings)
         << ",\"pluginWarnings\":" << JsonList(s.pluginWarnings) << ",\"alerts\":" << JsonList(s.alerts)
-        << ",\"leftBehind\":" << raw(left) << ",\"assertions\":" << JsonList(s.assertions) << "}\n";
+        << ",\"leftBehind\":" << raw(left) << ",\"assertions\":" << JsonList(s.assertions)
+        << ",\"sound\":" << JsonList(s.sound) << ",\"soundLeftovers\":" << JsonList(s.soundLeftovers) << "}\n";
     return static_cast<bool>(out);
 }
 
