@@ -85,6 +85,11 @@ TVPM_API FMOD_RESULT TVPMSetAudioCone(FMOD_CHANNEL* fmod_channel, float inside_a
                                       TVPMFMODVector* orientation) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (const FMOD_RESULT r = ValidateBasicParameters(fmod_channel)) return r;
+    if (!orientation) {
+        // The engine would be handed a null vector: refused like a null position.
+        TVPMSendError("Called with a null channel.");
+        return kFMOD_ERR_INVALID_PARAM;
+    }
     const FMOD_RESULT r = With3D(fmod_channel, [&] {
         return TVPMFMOD()->set3DConeSettings(fmod_channel, inside_angle, outside_angle,
                                              outside_volume);
