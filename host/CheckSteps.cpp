@@ -7,6 +7,7 @@
 #include <set>
 
 #include "CheckMode.h"
+#include "SimServices.h"
 #include "SimSound.h"
 #include "SimWorld.h"
 #include "Simulator.h"
@@ -142,6 +143,8 @@ void CheckInThisProcess(const CheckUnit& unit, const std::string& root, const st
         CheckStillMapped(pluginPath, "shut-down", f);
     }
     ReportLeftBehind(pluginPath, f);
+    AuditWorldServices(pluginPath, sim.log.pluginWarnings,
+                       [&f](const char* kind, const std::string& text) { f.Add(kind, text); });
     for (auto& s : SoundLeftovers()) f.Add("problem", "left behind: " + s);
     ReportLog(sim, f);
     ReportTimings(sim, pluginPath, f);

@@ -1,6 +1,7 @@
 // Simulator.cpp: the frame loop and the simulator events sent to TVPM.
 #include "Simulator.h"
 
+#include "SimServices.h"
 #include "SimSound.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
@@ -62,6 +63,7 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
         return false;
     }
     started = true;
+    AnnounceMaps();
     return true;
 }
 
@@ -75,6 +77,7 @@ void Simulator::Frame() {
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
     DrawGuiWindows();
+    DrawMapLayers();
     Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
     Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
     CollectTimings();

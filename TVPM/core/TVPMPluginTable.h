@@ -51,6 +51,9 @@ struct PluginRecord {
     bool weatherUpdatePending = false;
     // TVPMCallSite bits whose caught exception was already logged.
     uint32_t reportedThrows = 0;
+    // Unique per record ever made: tells a reused ID from the plugin that had
+    // it before, for records that outlive their plugin (map layers).
+    uint64_t generation = 0;
     TVPMDeliveryHead outstanding;
     TVPMDeliveryHead pending;
 };
@@ -67,6 +70,7 @@ public:
     PluginRecord& back() const { return *records_.back(); }
     PluginRecord& emplace_back() {
         records_.push_back(std::make_unique<PluginRecord>());
+        records_.back()->generation = ++generations_;
         return *records_.back();
     }
     void pop_back() { records_.pop_back(); }
@@ -94,6 +98,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<PluginRecord>> records_;
+    uint64_t generations_ = 0;
 };
 
 extern TVPMPluginTable gAllPlugins;
@@ -109,6 +114,27 @@ inline bool TVPMIsValidPluginID(TVPMPluginID id) {
 inline PluginRecord* TVPMGetPluginRecord(TVPMPluginID id) {
     return TVPMIsValidPluginID(id) ? &gAllPlugins[static_cast<size_t>(id)] : nullptr;
 }
+
+// One plugin as it was when taken: Get() finds its record again after a call
+// into plugin code, or null when that plugin has since been unloaded, trimmed
+// or replaced by a reloaded copy at the same ID. Code that calls into a
+// plugin keeps this, never a PluginRecord pointer or reference.
+class TVPMPluginIncarnation {
+public:
+    explicit TVPMPluginIncarnation(TVPMPluginID id) : id_(id) {
+        const PluginRecord* r = TVPMGetPluginRecord(id);
+        generation_ = r ? r->generation : 0;
+    }
+    PluginRecord* Get() const {
+        PluginRecord* r = TVPMGetPluginRecord(id_);
+        return r && r->generation == generation_ ? r : nullptr;
+    }
+    TVPMPluginID id() const { return id_; }
+
+private:
+    TVPMPluginID id_;
+    uint64_t generation_;
+};
 
 inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
 inline int TVPMGetDispatchedPlugin() { return gDispatchedPlugin; }
