@@ -13,8 +13,9 @@ std::vector<std::string> SoundSummary();
 // What plugins left in the engine after their unload: sounds still playing
 // and channel groups not released, each as a sentence for the author.
 std::vector<std::string> SoundLeftovers();
-// Writes what each bus played, mixed, as DIR/<bus>.wav (16-bit PCM). Returns
-// the files written; error set when one could not be written.
+// Writes what each bus played, mixed, as DIR/<bus>.wav (16-bit PCM), making
+// DIR when it is missing. Returns the files written; error set when one could
+// not be written.
 std::vector<std::string> WriteBusWavs(const std::string& dir, std::string& error);
 
 }  // namespace tvpmhost

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <map>
 
@@ -111,6 +112,8 @@ std::vector<std::string> WriteBusWavs(const std::string& dir, std::string& error
     for (auto& p : fmodstandin::Plays())
         if (!p.bus.empty() && p.rate > 0) byBus[p.bus].push_back(p);
     std::vector<std::string> written;
+    std::error_code ec;
+    if (!byBus.empty()) std::filesystem::create_directories(dir, ec);  // an existing one is fine
     const double now = fmodstandin::Now();
     for (auto& [bus, plays] : byBus) {
         const std::string file = dir + "/" + FileNameOf(bus);
