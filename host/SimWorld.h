@@ -136,6 +136,9 @@ void FillHooks(TVPMHooks& hooks);
 // The number (1-164) of a slot left empty that should not be, or 0.
 int EmptySlot(const TVPMHooks& hooks);
 void FillDisplaySlots(TVPMHooks& hooks);
+void FillAvionicsSlots(TVPMHooks& hooks);
+// Draws every avionics device and, now and then, gives it the pilot's input.
+void RunAvionicsFrame(long frame);
 void FillWorldSlots(TVPMHooks& hooks);
 void FillNavigationSlots(TVPMHooks& hooks);
 void FillCoreSlots(TVPMHooks& hooks);

@@ -76,6 +76,7 @@ void Simulator::Frame() {
     Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    RunAvionicsFrame(w.frame);
     DrawGuiWindows();
     DrawMapLayers();
     WorldServicesFrame();

@@ -199,6 +199,15 @@ TEST(HostCheck, APluginThatKeepsObjectsInstancesAircraftOrTheCameraFails) {
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
 }
 
+TEST(HostCheck, APluginThatLeavesAnAvionicsDeviceBehindFails) {
+    const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_avionics_leak.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    EXPECT_NE(o.output.find("left behind: avionics device 'Forgotten display' was not released by the plugin"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(o.output.find("slowest: avionics drawing"), std::string::npos) << o.output;
+}
+
 TEST(HostCheck, ABulkWeatherUpdateLeftOpenFailsAndAKeptMapLayerIsANote) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_weather.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
@@ -321,7 +330,9 @@ TEST(HostRun, TheExamplesSeeACoherentSimulatedWorld) {
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
          {"Clock Listener: tick 2, panel clock at 2.00 s, airspeed 82.0 kt", "Example Avionics: started in a TVX1",
-          "Example Avionics: rotate speed reached", "Clock Listener: the user's aircraft was loaded",
+          "Example Avionics: rotate speed reached",
+          "Example Avionics: timer drawn 300 times, 10 touches, 10 keys; display overlay drawn 300 times",
+          "Clock Listener: the user's aircraft was loaded",
           "Clock Listener: the user's aircraft was unloaded",
           "Panel Clock: stopped after 2.5 s, window drawn 151 times"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;

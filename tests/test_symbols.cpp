@@ -166,7 +166,9 @@ TEST(Symbols, OnlyInterfaceFunctionsAreExported) {
           "TVPMMapExists", "TVPMDrawMapIconFromSheet", "TVPMDrawMapLabel", "TVPMMapProject",
           "TVPMMapUnproject", "TVPMMapScaleMeter", "TVPMMapGetNorthHeading",
           "TVPMGetFirstNavAid", "TVPMGetGPSDestination", "TVPMSetGraphicsState",
-          "TVPMMeasureString", "TVPMFindPluginForIP"})
+          "TVPMMeasureString", "TVPMFindPluginForIP", "TVPMRegisterAvionicsCallbacksEx",
+          "TVPMCreateAvionicsEx", "TVPMGetAvionicsHandle", "TVPMDestroyAvionics",
+          "TVPMSetAvionicsGeometryOS"})
         EXPECT_EQ(exported.count(name), 1u) << name;
     // The world services: probes and objects, instances, aircraft, camera.
     for (const char* name :
