@@ -258,7 +258,7 @@ TEST(HostRun, SummaryShowsWhatTheExamplesRegistered) {
     const Outcome o = RunHost("--quiet");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
-         {"Plugins loaded: 5, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
+         {"Plugins loaded: 6, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
           "data items   2: tvpm/examples/panel_clock/elapsed_sec, tvpm/examples/panel_clock/window_visible",
           "commands     1: tvpm/examples/panel_clock/toggle_window", "menus        1: Panel Clock",
           "menu items   1: <Aircraft> > Toggle TCAS override", "windows      1: Panel Clock",
@@ -397,4 +397,35 @@ TEST(HostCheck, JsonReportCarriesEachPluginsProblems) {
     EXPECT_NE(json.find("\"ok\":false"), std::string::npos) << json;
     EXPECT_NE(json.find("\"name\":\"Broken Leak\""), std::string::npos) << json;
     EXPECT_NE(json.find("\"passed\":false,\"problems\":[\"left behind: "), std::string::npos) << json;
+}
+
+TEST(HostRun, AudioOutWritesWhatEachBusPlayedAsAWavFile) {
+    TempDir dir;
+    const Outcome o = RunHost("--quiet --audio-out " + dir.Path());
+    EXPECT_EQ(o.status, 0) << o.output;
+    EXPECT_NE(o.output.find("Tone Player - UI: 1 sound, 1.00 s played, 1 completion delivered"),
+              std::string::npos)
+        << o.output;
+    if (system("sox --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "sox is not installed";
+    auto soxInfo = [&](const char* flag) {
+        FILE* p = popen(("sox --i " + std::string(flag) + " '" + (dir / "UI.wav") + "'").c_str(), "r");
+        char line[64] = {};
+        if (p && !fgets(line, sizeof line, p)) line[0] = 0;
+        if (p) pclose(p);
+        return std::string(line);
+    };
+    EXPECT_EQ(soxInfo("-r"), "22050\n");
+    EXPECT_EQ(soxInfo("-s"), "22050\n");  // samples: one second
+    EXPECT_EQ(soxInfo("-c"), "1\n");
+}
+
+TEST(HostCheck, APluginThatLeavesSoundInTheEngineFails) {
+    const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_sound_leak.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    EXPECT_NE(o.output.find("sound(s) still playing in channel group 'own group' after unload"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(o.output.find("left behind: channel group 'own group' was not released after unload"),
+              std::string::npos)
+        << o.output;
 }

@@ -201,3 +201,13 @@ TEST(Symbols, AHostCanOpenTheLibraryAndFindItsHooks) {
     EXPECT_EQ(dlsym(lib, "gHooks"), nullptr);
     dlclose(lib);
 }
+
+TEST(Symbols, TheSoundFunctionsAreExported) {
+    void* lib = dlopen(LibraryPath().c_str(), RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(lib, nullptr);
+    for (const char* name : {"TVPMPlayPCMOnBus", "TVPMStopAudio", "TVPMSetAudioPosition",
+                             "TVPMSetAudioFadeDistance", "TVPMSetAudioVolume", "TVPMSetAudioPitch",
+                             "TVPMSetAudioCone", "TVPMGetFMODChannelGroup", "TVPMGetFMODStudio"})
+        EXPECT_NE(dlsym(lib, name), nullptr) << name;
+    dlclose(lib);
+}
