@@ -171,9 +171,13 @@ std::string TVPMUserAircraftFolder() {
     return TVPMGetUserAircraftFolder(folder) ? folder : std::string();
 }
 
-TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) { return IsEnabled(inPluginID) ? 1 : 0; }
+TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return IsEnabled(inPluginID) ? 1 : 0;
+}
 
 TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     PluginRecord* r = SwitchablePlugin(inPluginID);
     // A record whose library is gone (unloaded, awaiting trimming) stays off.
     if (!r || !r->dllRef) return 0;
@@ -189,6 +193,7 @@ TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
 }
 
 TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     PluginRecord* r = SwitchablePlugin(inPluginID);
     if (!r || !r->enabled) return;
     TVPMDisplayDisablePrePluginDisableHook(inPluginID);
@@ -206,9 +211,13 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
     TVPMWeatherDisableHook(inPluginID);
 }
 
-TVPM_API void TVPMReloadPlugins(void) { gScheduleReload = true; }
+TVPM_API void TVPMReloadPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    gScheduleReload = true;
+}
 
 TVPM_API void TVPMReloadACFPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!gHooks || gAllPlugins.empty()) return;  // not started, or shut down
     if (TVPMLoaderBusy()) return ReportRefusedAircraftReload();
     StLoaderBusy busy;
