@@ -3,6 +3,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMPluginTable.h"
 
 TVPMHooks* gHooks = nullptr;
@@ -30,6 +31,7 @@ const char* DebugCurrentPluginName() { return DebugPluginField(&PluginRecord::na
 const char* DebugCurrentPluginSignature() { return DebugPluginField(&PluginRecord::signature); }
 
 void TVPMSendErrorTo(const char* msg, TVPMPluginID who) {
+    TVPMDiagnoseError(msg, who);
     const PluginRecord* r = TVPMGetPluginRecord(who);
     if (r && r->errorFunc) r->errorFunc(msg);
 }

@@ -7,6 +7,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDLLUtils.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -98,6 +99,7 @@ void CallPluginStop(TVPMPluginID id) {
 }  // namespace
 
 void TVPMRunCleanupHooks(TVPMPluginID id) {
+    TVPMDiagnoseLeftAtUnload(id);
     TVPMCommandCleanupHook(id);
     TVPMDisplayCleanupHook(id);
     TVPMInstanceCleanupHook(id);
