@@ -1,6 +1,10 @@
 // Simulator.cpp: the frame loop and the simulator events sent to TVPM.
 #include "Simulator.h"
 
+#include <algorithm>
+
+#include "CheckSignals.h"
+
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -22,11 +26,21 @@ void ReceiveTimings(uint64_t count, const TVPMPluginID* ids, const TVPMPluginCal
         TimingStat& s = (*s_collecting)[PluginPath(ids[i])][types[i]];
         ++s.calls;
         s.totalUs += microseconds[i];
+        s.samplesUs.push_back(microseconds[i]);
+        s.usByFrame[World().frame] += microseconds[i];
         if (microseconds[i] > s.maxUs) s.maxUs = microseconds[i];
     }
 }
 
 }  // namespace
+
+double TimingStat::PercentileUs(double p) const {
+    if (samplesUs.empty()) return 0;
+    std::vector<double> sorted(samplesUs);
+    const size_t at = std::min(sorted.size() - 1, static_cast<size_t>(p / 100 * sorted.size()));
+    std::nth_element(sorted.begin(), sorted.begin() + static_cast<long>(at), sorted.end());
+    return sorted[at];
+}
 
 const char* CategoryName(int category) {
     switch (category) {
@@ -54,6 +68,7 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
         return false;
     }
     hostDataItems = PublishHostDataItems();
+    InFlight f("TPluginStart and TPluginEnable at start-up");
     const int result = Api().InitializePlugins(root.c_str(), &hooks, nullptr);
     log.Flush();
     if (result != kStartedOK) {
@@ -69,12 +84,24 @@ void Simulator::Frame() {
     ++w.frame;
     w.CompleteAsyncLoads();
     const float now = w.ElapsedTime();
-    Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
-    for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
-        if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    {
+        InFlight f("flight loops before the flight model");
+        Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
+    }
+    {
+        InFlight f("draw callbacks");
+        for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
+            if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    }
     DrawGuiWindows();
-    Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
-    Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
+    {
+        InFlight f("flight loops after the flight model");
+        Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
+    }
+    {
+        InFlight f("new data item check");
+        Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
+    }
     CollectTimings();
     log.Flush();
 }
@@ -85,6 +112,7 @@ void Simulator::DrawGuiWindows() {
     std::vector<void*> visible;
     for (auto& [id, w] : World().windows)
         if (w.alive && w.visible) visible.push_back(id);
+    InFlight f("window drawing");
     for (void* id : visible) Api().DoDrawingHook(kWindowAfterKind, 0, id);
 }
 
@@ -100,11 +128,13 @@ void Simulator::CollectTimings() {
 
 void Simulator::LoadAircraft(const std::string& acfPath) {
     World().aircraftPath = acfPath;
+    InFlight f("aircraft-loaded message");
     Api().EventHook(tvpm_PlaneLoaded, World().ElapsedTime(), 0, kUserAircraft, 0);
     log.Flush();
 }
 
 void Simulator::UnloadAircraft() {
+    InFlight f("aircraft-unloaded message");
     Api().EventHook(tvpm_PlaneUnloaded, World().ElapsedTime(), 0, kUserAircraft, 0);
     World().aircraftPath.clear();
     log.Flush();
@@ -118,6 +148,7 @@ void Simulator::RegisterScenery(const std::string& packFolder) {
 
 void Simulator::Shutdown() {
     if (!started) return;
+    InFlight f("TPluginDisable and TPluginStop at shut-down");
     Api().ShutdownPlugins();
     started = false;
     log.Flush();

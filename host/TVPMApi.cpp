@@ -55,6 +55,22 @@ bool TVPMApi::Load(const std::string& libraryPath, std::string& error) {
     TVPM_OPTIONAL(CountHotKeys);
     TVPM_OPTIONAL(GetNthHotKey);
     TVPM_OPTIONAL(GetHotKeyInfo);
+    TVPM_OPTIONAL(GetDatai);
+    TVPM_OPTIONAL(SetDatai);
+    TVPM_OPTIONAL(GetDataf);
+    TVPM_OPTIONAL(SetDataf);
+    TVPM_OPTIONAL(GetDatad);
+    TVPM_OPTIONAL(SetDatad);
+    TVPM_OPTIONAL(GetDatavi);
+    TVPM_OPTIONAL(SetDatavi);
+    TVPM_OPTIONAL(GetDatavf);
+    TVPM_OPTIONAL(SetDatavf);
+    TVPM_OPTIONAL(GetDatab);
+    TVPM_OPTIONAL(SetDatab);
+    TVPM_OPTIONAL(MouseClickHook);
+    TVPM_OPTIONAL(KeyPressHook);
+    TVPM_OPTIONAL(ScrollWheelHook);
+    TVPM_OPTIONAL(SendMessageToPlugin);
 #undef TVPM_REQUIRE
 #undef TVPM_OPTIONAL
     if (!missing.empty()) {

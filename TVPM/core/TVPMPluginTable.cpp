@@ -4,6 +4,7 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 #include "TVPMDiagnostics.h"
+#include "TVPMDispatch.h"
 #include "TVPMPluginTable.h"
 
 TVPMHooks* gHooks = nullptr;
@@ -40,7 +41,8 @@ void TVPMSendError(const char* msg) { TVPMSendErrorTo(msg, gDispatchedPlugin); }
 
 int TVPMHasError() {
     const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
-    return r && r->errorFunc ? 1 : 0;
+    // Under diagnostics every check runs, so that its error reaches the log.
+    return r && (r->errorFunc || gTVPMDiagnostics) ? 1 : 0;
 }
 
 void TVPMLogPluginWarning(const char* msg) {
