@@ -20,14 +20,14 @@ struct BrokenCase {
 const BrokenCase kCorpus[] = {
     {"broken_leak.tvp", "", 1, "fail    leftovers.*left behind: window 'Forgotten' was not released by the plugin"},
     {"crash_menu_handler", "", 3, "crash   fuzz.*\\[fuzz round \\d+: menu pick 'Crash'\\] Segmentation fault during menu "
-                                  "handler \\(replay with --seed 1\\)\n    at .*crash_menu_handler.tvp \\+0x[0-9a-f]+ .*CrashingMenu"},
-    {"crash_command_handler", "", 3, "crash   fuzz.*command 'test/crash' begin, hold and end.*\n.*CrashingHandler"},
-    {"crash_data_accessor", "", 3, "crash   fuzz.*read and write of data item 'test/crash/item'.*\n.*CrashingRead"},
-    {"crash_mouse_handler", "", 3, "crash   fuzz.*mouse click, drag and scroll.*\n.*CrashingClick"},
-    {"crash_key_sniffer", "", 3, "crash   fuzz.*key .* down and up.*\n.*CrashingSniff"},
+                                  "handler \\(replay with --seed 1\\)\n    at [^\n]*crash_menu_handler.tvp \\+0x[0-9a-f]+ [\\s\\S]*CrashingMenu"},
+    {"crash_command_handler", "", 3, "crash   fuzz.*command 'test/crash' begin, hold and end[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingHandler"},
+    {"crash_data_accessor", "", 3, "crash   fuzz.*read and write of data item 'test/crash/item'[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingRead"},
+    {"crash_mouse_handler", "", 3, "crash   fuzz.*mouse click, drag and scroll[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingClick"},
+    {"crash_key_sniffer", "", 3, "crash   fuzz.*key .* down and up[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingSniff"},
     {"crash_hot_key", "", 3, "crash   fuzz.*during key sniffers and hot keys"},
-    {"crash_message", "", 3, "crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage.*\n"
-                             ".* TPluginReceiveMessage"},
+    {"crash_message", "", 3, "crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage"
+                             "[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ TPluginReceiveMessage"},
     {"broken_crash.tvp", "", 3, "crash   lifecycle        \\[disable\\] Segmentation fault during TPluginDisable"},
     {"error_menu_index", "", 1, "fail    errors.*\"TVPMRemoveMenuItem was passed an out of range item index.\""},
     {"error_feature", "", 1, "fail    errors.*\"Illegal feature name passed to TVPMEnableFeature\""},

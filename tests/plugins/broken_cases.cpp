@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -18,14 +19,16 @@
 namespace {
 
 std::string s_case;
-volatile int* s_null = nullptr;
+// A field of a null record, as a handler that forgot a check reads it.
+volatile uintptr_t s_nullField = 16;
 volatile int s_sink = 0;
+volatile unsigned s_spins = 0;
 TVPMCommandRef s_command = nullptr;
 
-void Crash() { s_sink = *s_null; }
+void Crash() { s_sink = *reinterpret_cast<volatile int*>(s_nullField); }
 float Loop(float, float, int, void*) { return -1; }
 float Spin(float, float, int, void*) {
-    for (;;) s_sink = s_sink + 1;
+    for (;;) s_spins = s_spins + 1;
 }
 float Slow(float, float, int, void*) {
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
