@@ -45,6 +45,7 @@ struct CrashFrame {
 };
 struct CrashReport {
     std::string kind, signal, step, inFlight, address;
+    std::string plugin;  // the plugin TVPM was calling, when it was calling one
     std::vector<CrashFrame> frames;  // in plugin libraries
 };
 

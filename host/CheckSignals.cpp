@@ -14,6 +14,8 @@
 #include <cstring>
 #include <ctime>
 
+#include "TVPMApi.h"
+
 namespace tvpmhost {
 
 namespace {
@@ -64,11 +66,23 @@ void WriteFrame(void* address) {
     Write(line);
 }
 
+// The plugin TVPM was calling: a frame of it may be missing (a tail call).
+void WriteCurrentPlugin() {
+    if (!Api().handle) return;
+    const TVPMPluginID id = Api().GetMyID();
+    if (id <= 0 || id >= Api().CountPlugins()) return;
+    char path[512] = "", line[600];
+    Api().GetPluginInfo(id, nullptr, path, nullptr, nullptr);
+    snprintf(line, sizeof line, "plugin\t%s\n", path);
+    Write(line);
+}
+
 void OnFatalSignal(int sig, siginfo_t* info, void* context) {
     char line[1024];
     snprintf(line, sizeof line, "%s\t%s\t%s\t%s\t0x%lx\n", sig == SIGALRM ? "timeout" : "crash", strsignal(sig),
              s_step, s_inFlight, reinterpret_cast<unsigned long>(info->si_addr));
     Write(line);
+    WriteCurrentPlugin();
     // The faulting instruction first: the unwinder may not get past code
     // that is no longer mapped.
     const auto* uc = static_cast<const ucontext_t*>(context);

@@ -77,7 +77,8 @@ CrashReport ReadCrash(const std::string& file, const std::string& library) {
     for (std::string line; std::getline(in, line);) {
         const std::vector<std::string> f = Fields(line);
         if (f.size() >= 5 && c.kind.empty() && (f[0] == "crash" || f[0] == "timeout"))
-            c = {f[0], f[1], f[2], f[3], f[4], {}};
+            c = {f[0], f[1], f[2], f[3], f[4], "", {}};
+        if (f.size() == 2 && f[0] == "plugin") c.plugin = f[1];
         if (f.size() < 3 || f[0] != "frame" || !IsPluginLibrary(f[1], library)) continue;
         std::string function = f.size() > 3 ? f[3] : "";
         if (function.empty()) function = FunctionAt(f[1], f[2]);

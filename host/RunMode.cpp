@@ -93,7 +93,7 @@ void Fly(Simulator& sim, RunSummary& summary, const RunSetup& setup, long frames
 int ReportCrash(const std::string& crashFile, const HostOptions& o) {
     const CrashReport c = ReadCrash(crashFile, "");
     if (c.kind.empty()) return 0;
-    std::string plugin = c.frames.empty() ? "" : c.frames.front().file;
+    const std::string plugin = !c.frames.empty() ? c.frames.front().file : c.plugin;
     fprintf(stderr, "\ntvpm-host: %s in step '%s'%s%s\n", c.signal.c_str(), c.step.c_str(),
             c.inFlight.empty() ? "" : (" during " + c.inFlight).c_str(),
             plugin.empty() ? "" : (", in plugin " + plugin).c_str());

@@ -191,3 +191,18 @@ TEST(CheckReports, TheHtmlChartRendersEachCategoryAndTheFrameBudgetInABrowser) {
 }
 
 }  // namespace
+
+TEST(HostRunCrash, APluginCrashingTheRunIsReportedWithItsStepAndTheReportIsStillWritten) {
+    TempDir dir;
+    const HostOutcome o = RunHost("--quiet --frames 5 --report " + (dir / "run.json") + " --plugin " +
+                                  TestPlugin("broken_crash.tvp"));
+    EXPECT_EQ(o.status, 3) << o.output;
+    EXPECT_NE(o.output.find("Segmentation fault in step 'shut-down' during TPluginDisable and TPluginStop at "
+                            "shut-down, in plugin /"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(Slurp(dir / "run.json").find("{\"mode\":\"run\",\"ok\":false,\"crash\":{\"signal\":\"Segmentation "
+                                           "fault\",\"step\":\"shut-down\""),
+              std::string::npos)
+        << Slurp(dir / "run.json");
+}
