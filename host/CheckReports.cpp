@@ -54,10 +54,16 @@ std::string XmlEscaped(const std::string& text) {
 void PrintResult(const CheckResult& r, const CheckSelection& s, bool strict) {
     printf("%s  %s%s\n", r.Passed(s, strict) ? "PASS" : "FAIL", r.name.c_str(), r.unit.aircraft ? " (aircraft)" : "");
     printf("      %s\n", r.unit.source.c_str());
+    int counts[static_cast<int>(Outcome::kTimeout) + 1] = {};
+    for (auto& c : AllChecks()) ++counts[static_cast<int>(r.Of(c.name, s))];
+    printf("      %zu checks:", AllChecks().size());
+    for (int o = 0; o <= static_cast<int>(Outcome::kTimeout); ++o)
+        if (counts[o]) printf(" %d %s", counts[o], OutcomeName(static_cast<Outcome>(o)));
+    printf("\n");
     for (auto& f : r.findings)
         if (s.Selected(f.check))
-            printf("      %-7s %-16s [%s] %s\n", OutcomeName(f.outcome), f.check.c_str(), f.step.c_str(),
-                   f.message.c_str());
+            printf("      %-7s %-16s [%s] %s\n", f.outcome == Outcome::kPass ? "note" : OutcomeName(f.outcome),
+                   f.check.c_str(), f.step.c_str(), f.message.c_str());
     for (auto& row : r.timing) {
         const std::vector<std::string> f = Fields(row);
         if (f.size() >= 7)
