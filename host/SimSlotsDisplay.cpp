@@ -2,6 +2,7 @@
 #include <cstring>
 #include <string>
 
+#include "SimServices.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -203,6 +204,7 @@ void FillDisplaySlots(TVPMHooks& h) {
     FillWindowSlots(h);
     FillAvionicsSlots(h);
     FillMapSlots(h);
+    CountGraphicsSlots(h);
 }
 
 }  // namespace tvpmhost

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "SimServices.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -85,41 +86,6 @@ void FillScenerySlots(TVPMHooks& h) {
     };
     h.TVPMDegMagneticToDegTrue_f = [](float m) {
         return std::fmod(m + kMagneticVariation + 360.0f, 360.0f);
-    };
-}
-
-void FillWeatherSlots(TVPMHooks& h) {
-    // Standard atmosphere, calm, good visibility; the weather a plugin writes
-    // is counted, not simulated.
-    h.TVPMGetWeatherAtPt_f = [](float, float, float alt, TVPMWeatherInfo_t* info) {
-        if (!info) return 0;
-        float* f = reinterpret_cast<float*>(reinterpret_cast<char*>(info) + sizeof(int));
-        f[0] = 15.0f - 0.0065f * alt;  // temperature at altitude
-        f[1] = 5.0f;                    // dew point
-        f[2] = 101325.0f;               // pressure
-        return 1;
-    };
-    h.TVPMGetLastKnownMETAR_f = [](const char* icao, char* out) {
-        if (!out) return;
-        const std::string station = icao && *icao ? icao : "XXXX";
-        snprintf(out, 150, "%s 221200Z 00000KT 9999 FEW040 15/05 Q1013", station.c_str());
-    };
-    h.TVPMSetWeatherAtPt_f = [](TVPMPluginID, float, float, float, TVPMWeatherInfo_t*) {
-        ++World().weatherWrites[CurrentPluginPath()];
-    };
-    h.TVPMEraseWeatherAtPt_f = [](TVPMPluginID, float, float) {};
-    h.TVPMSetWeatherAtAirport_f = [](TVPMPluginID, const char*, TVPMWeatherInfo_t*) {
-        ++World().weatherWrites[CurrentPluginPath()];
-    };
-    h.TVPMEraseWeatherAtAirport_f = [](TVPMPluginID, const char*) {};
-    h.TVPMBeginWeatherUpdate_f = [](TVPMPluginID id) {
-        World().openWeatherUpdates[id] = PluginPath(id);
-    };
-    h.TVPMEndWeatherUpdate_f = [](TVPMPluginID id, int, int) {
-        auto it = World().openWeatherUpdates.find(id);
-        if (it == World().openWeatherUpdates.end()) return;
-        World().Released("weather update", "open bulk update", it->second);
-        World().openWeatherUpdates.erase(it);
     };
 }
 

@@ -175,7 +175,8 @@ std::vector<SimResource> SimWorld::AliveOf(const std::string& path) const {
     }
     for (auto& [id, w] : windows)
         if (w.alive && w.owner == path) out.push_back({"window", w.title, path, true});
-    for (auto* store : {&avionics, &mapLayers, &objects, &instances})
+    // Map layers stay registered after unload by design: the check notes them.
+    for (auto* store : {&avionics, &objects, &instances})
         for (auto& [ref, r] : *store)
             if (r.alive && r.owner == path) out.push_back(r);
     for (auto& [id, who] : openWeatherUpdates)

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "CheckSignals.h"
-
+#include "SimServices.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -76,6 +76,7 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
         return false;
     }
     started = true;
+    AnnounceMaps();
     return true;
 }
 
@@ -94,6 +95,10 @@ void Simulator::Frame() {
             if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
     }
     DrawGuiWindows();
+    {
+        InFlight f("map layer drawing");
+        DrawMapLayers();
+    }
     {
         InFlight f("flight loops after the flight model");
         Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);

@@ -130,6 +130,18 @@ TEST(HostCheck, APluginThatLeavesAWindowAndAHeldCommandBehindFails) {
         << o.output;
 }
 
+TEST(HostCheck, ABulkWeatherUpdateLeftOpenFailsAndAKeptMapLayerIsANote) {
+    const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_weather.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    EXPECT_NE(o.output.find("FAIL  Broken Weather"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("fail    world-services   [shut-down] left a bulk weather update open at the end of a "
+                            "callback"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(o.output.find("map layer(s) stay registered after unload"), std::string::npos)
+        << o.output;
+}
+
 TEST(HostCheck, APluginThatCallsTVPMFromAWorkerThreadFailsWithTheViolation) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_thread.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
@@ -171,7 +183,7 @@ TEST(HostRun, SummaryShowsWhatTheExamplesRegistered) {
     const Outcome o = RunHost("--quiet");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
-         {"Plugins loaded: 3, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
+         {"Plugins loaded: 4, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
           "data items   2: tvpm/examples/panel_clock/elapsed_sec, tvpm/examples/panel_clock/window_visible",
           "commands     1: tvpm/examples/panel_clock/toggle_window", "menus        1: Panel Clock",
           "menu items   1: <Aircraft> > Toggle TCAS override", "windows      1: Panel Clock",

@@ -159,7 +159,14 @@ TEST(Symbols, OnlyInterfaceFunctionsAreExported) {
           "TVPMCountPlugins", "TVPMGetNthPlugin", "TVPMFindPluginByPath",
           "TVPMFindPluginBySignature", "TVPMGetPluginInfo", "TVPMSendMessageToPlugin",
           "TVPMSetErrorCallback", "TVPMHasFeature", "TVPMIsFeatureEnabled", "TVPMEnableFeature",
-          "TVPMEnumerateFeatures"})
+          "TVPMEnumerateFeatures", "TVPMGetMETARForAirport", "TVPMGetWeatherAtLocation",
+          "TVPMBeginWeatherUpdate", "TVPMEndWeatherUpdate", "TVPMSetWeatherAtLocation",
+          "TVPMEraseWeatherAtLocation", "TVPMSetWeatherAtAirport", "TVPMEraseWeatherAtAirport",
+          "TVPMCreateMapLayer", "TVPMDestroyMapLayer", "TVPMRegisterMapCreationHook",
+          "TVPMMapExists", "TVPMDrawMapIconFromSheet", "TVPMDrawMapLabel", "TVPMMapProject",
+          "TVPMMapUnproject", "TVPMMapScaleMeter", "TVPMMapGetNorthHeading",
+          "TVPMGetFirstNavAid", "TVPMGetGPSDestination", "TVPMSetGraphicsState",
+          "TVPMMeasureString"})
         EXPECT_EQ(exported.count(name), 1u) << name;
     for (const char* internal : {"__TVPMValidateThreadSafety", "gHooks", "gAllPlugins",
                                  "gDispatchedPlugin", "TVPMSendError", "TVPMHasFeatureInternal"})

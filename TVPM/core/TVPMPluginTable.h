@@ -51,6 +51,9 @@ struct PluginRecord {
     bool weatherUpdatePending = false;
     // TVPMCallSite bits whose caught exception was already logged.
     uint32_t reportedThrows = 0;
+    // Unique per record ever made: tells a reused ID from the plugin that had
+    // it before, for records that outlive their plugin (map layers).
+    uint64_t generation = 0;
     TVPMDeliveryHead outstanding;
     TVPMDeliveryHead pending;
 };
@@ -67,6 +70,7 @@ public:
     PluginRecord& back() const { return *records_.back(); }
     PluginRecord& emplace_back() {
         records_.push_back(std::make_unique<PluginRecord>());
+        records_.back()->generation = ++generations_;
         return *records_.back();
     }
     void pop_back() { records_.pop_back(); }
@@ -94,6 +98,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<PluginRecord>> records_;
+    uint64_t generations_ = 0;
 };
 
 extern TVPMPluginTable gAllPlugins;

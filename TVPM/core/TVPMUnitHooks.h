@@ -126,6 +126,8 @@ void TVPMMapDoLayerWillBeDeletedHook(void* sdkLayerHandle);
 void TVPMMapDoLayerPrepareCacheHook(void* sdkLayerHandle,
                                     const float* inTotalMapBoundsLeftTopRightBottom,
                                     TVPMMapProjectionID projection);
+// Releases a plugin's layers and creation callbacks; unloading does not call it.
+void TVPMMapCleanupHook(TVPMPluginID id);
 
 // ---- Sound (TVPMSound) --------------------------------------------------------
 void TVPMDoFMODHousekeeping();
