@@ -185,7 +185,6 @@ int ExitStatus(const std::vector<CheckResult>& results, const CheckSelection& s,
     int status = 0;
     for (auto& r : results)
         for (auto& f : r.findings) {
-            if (!s.Selected(f.check)) continue;
             if (f.outcome == Outcome::kTimeout) status = std::max(status, 4);
             if (f.outcome == Outcome::kCrash) status = std::max(status, 3);
         }
@@ -220,12 +219,12 @@ bool ParseFindingLine(const std::string& line, Finding& f) {
     return true;
 }
 
+// A crash or hang counts even in a check left out: it ended the process.
 Outcome CheckResult::Of(const std::string& check, const CheckSelection& s) const {
-    if (!s.Selected(check)) return Outcome::kSkipped;
     Outcome worst = Outcome::kPass;
     for (auto& f : findings)
         if (f.check == check && f.outcome > worst) worst = f.outcome;
-    return worst;
+    return s.Selected(check) || worst >= Outcome::kCrash ? worst : Outcome::kSkipped;
 }
 
 bool CheckResult::Passed(const CheckSelection& s, bool strict) const {

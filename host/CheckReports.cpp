@@ -61,7 +61,7 @@ void PrintResult(const CheckResult& r, const CheckSelection& s, bool strict) {
         if (counts[o]) printf(" %d %s", counts[o], OutcomeName(static_cast<Outcome>(o)));
     printf("\n");
     for (auto& f : r.findings)
-        if (s.Selected(f.check))
+        if (s.Selected(f.check) || f.outcome >= Outcome::kCrash)
             printf("      %-7s %-16s [%s] %s\n", f.outcome == Outcome::kPass ? "note" : OutcomeName(f.outcome),
                    f.check.c_str(), f.step.c_str(), f.message.c_str());
     for (auto& row : r.timing) {

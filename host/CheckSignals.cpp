@@ -29,6 +29,7 @@ const char* volatile s_step = "start";
 const char* volatile s_inFlight = "";
 int s_reportFd = -1;
 unsigned s_timeout = 0;
+long s_pluginThread = 0;
 timer_t s_timer;
 bool s_timerMade = false;
 
@@ -49,6 +50,12 @@ const CodeRange* WatchedRangeOf(uintptr_t address) {
     return nullptr;
 }
 
+void WriteUnloadedFrame(const CodeRange& r, uintptr_t at) {
+    char line[1024];
+    snprintf(line, sizeof line, "frame\t%s\t0x%lx\t(unloaded)\n", r.path, static_cast<unsigned long>(at - r.base));
+    Write(line);
+}
+
 void WriteFrame(void* address) {
     char line[1024];
     Dl_info info{};
@@ -58,8 +65,8 @@ void WriteFrame(void* address) {
                  static_cast<unsigned long>(at - reinterpret_cast<uintptr_t>(info.dli_fbase)),
                  info.dli_sname ? info.dli_sname : "");
     } else if (const CodeRange* r = WatchedRangeOf(at)) {
-        snprintf(line, sizeof line, "frame\t%s\t0x%lx\t(unloaded)\n", r->path,
-                 static_cast<unsigned long>(at - r->base));
+        WriteUnloadedFrame(*r, at);
+        return;
     } else {
         snprintf(line, sizeof line, "frame\t?\t0x%lx\t\n", static_cast<unsigned long>(at));
     }
@@ -67,8 +74,9 @@ void WriteFrame(void* address) {
 }
 
 // The plugin TVPM was calling: a frame of it may be missing (a tail call).
+// Only the plugin thread may ask TVPM.
 void WriteCurrentPlugin() {
-    if (!Api().handle) return;
+    if (!Api().handle || syscall(SYS_gettid) != s_pluginThread) return;
     const TVPMPluginID id = Api().GetMyID();
     if (id <= 0 || id >= Api().CountPlugins()) return;
     char path[512] = "", line[600];
@@ -86,7 +94,19 @@ void OnFatalSignal(int sig, siginfo_t* info, void* context) {
     // The faulting instruction first: the unwinder may not get past code
     // that is no longer mapped.
     const auto* uc = static_cast<const ucontext_t*>(context);
-    WriteFrame(reinterpret_cast<void*>(uc->uc_mcontext.gregs[REG_RIP]));
+    const auto rip = static_cast<uintptr_t>(uc->uc_mcontext.gregs[REG_RIP]);
+    // Fetching an instruction from a plugin's old code range: it was unloaded,
+    // whatever has been mapped there since.
+    const CodeRange* old = WatchedRangeOf(rip);
+    if (sig == SIGSEGV && reinterpret_cast<uintptr_t>(info->si_addr) == rip && old)
+        WriteUnloadedFrame(*old, rip);
+    else
+        WriteFrame(reinterpret_cast<void*>(rip));
+    // Reading a plugin's old data (a thread's start routine, a vtable).
+    Dl_info mapped{};
+    const auto address = reinterpret_cast<uintptr_t>(info->si_addr);
+    const CodeRange* data = address != rip ? WatchedRangeOf(address) : nullptr;
+    if (sig == SIGSEGV && data && !dladdr(info->si_addr, &mapped)) WriteUnloadedFrame(*data, address);
     void* frames[kMaxFrames];
     const int count = backtrace(frames, kMaxFrames);
     for (int i = 0; i < count; ++i) WriteFrame(frames[i]);
@@ -139,6 +159,7 @@ InFlight::~InFlight() { s_inFlight = previous_; }
 void InstallCrashReport(int fd, unsigned timeoutSeconds) {
     s_reportFd = fd;
     s_timeout = timeoutSeconds;
+    s_pluginThread = syscall(SYS_gettid);
     void* warm[1];
     backtrace(warm, 1);  // loads the unwinder now, not inside the handler
     static char altStack[kAltStackSize];
@@ -153,6 +174,7 @@ void InstallCrashReport(int fd, unsigned timeoutSeconds) {
     for (int sig : kFatalSignals) sigaction(sig, &action, nullptr);
     MakeStepTimer();
     ArmStepTimer();
+    ReserveCodeOnClose(true);
 }
 
 void WatchPluginCode(const std::string& libraryPath) {

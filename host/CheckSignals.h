@@ -34,6 +34,9 @@ void WatchPluginCode(const std::string& libraryPath);
 // inaccessible, so that a late call into them faults at once and is
 // attributed to the plugin.
 void ReserveUnloadedCode();
+// From now on every plugin library closed in this process has its code range
+// reserved at once (tvpm-host interposes dlclose).
+void ReserveCodeOnClose(bool on);
 
 constexpr int kCrashExitStatus = 97, kTimeoutExitStatus = 98;
 

@@ -137,7 +137,7 @@ void JudgeCrash(CheckResult& r, const CrashReport& c, uint64_t seed, bool fuzzin
     if (fuzzing && inFuzz) where += " (replay with --seed " + std::to_string(seed) + ")";
     std::string message = c.kind == "timeout" ? "did not finish the step within the timeout, stuck" + where
                                               : c.signal + where;
-    if (unloaded) message += ": a thread of the plugin ran its code after the plugin was unloaded";
+    if (unloaded) message += ": a thread of the plugin used its code or data after the plugin was unloaded";
     for (auto& f : c.frames)
         message += "\n    at " + f.file + " +" + f.offset + (f.function.empty() ? "" : " " + f.function);
     const char* check = unloaded ? "late-threads" : inFuzz ? "fuzz" : "lifecycle";

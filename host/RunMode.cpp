@@ -83,6 +83,7 @@ void Fly(Simulator& sim, RunSummary& summary, const RunSetup& setup, long frames
             if (p.aircraft) World().ReportAliveOf(path);
     }
     SetStep("shut-down");
+    for (auto& [path, p] : summary.plugins) WatchPluginCode(path);
     sim.Shutdown();
     for (auto& [path, p] : summary.plugins)
         if (!p.aircraft) World().ReportAliveOf(path);

@@ -10,7 +10,9 @@ TEST(HostOptions, HelpListsEveryOption) {
     const Outcome o = RunHost("--help");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* option : {"--root", "--plugin", "--aircraft", "--scenery", "--frames", "--fps",
-                               "--log", "--report", "--quiet", "--check", "--strict"})
+                               "--log", "--report", "--quiet", "--check", "--strict", "--level", "--only", "--skip",
+                               "--timeout SECONDS", "--fuzz", "--seed", "--junit", "--html", "--list-checks",
+                               "--list-data", "--version", "3 a plugin crashed, 4 a plugin hung"})
         EXPECT_NE(o.output.find(option), std::string::npos) << option;
 }
 
