@@ -42,6 +42,10 @@ double TimingStat::PercentileUs(double p) const {
     return sorted[at];
 }
 
+double TimingStat::MaxAfterFirstUs() const {
+    return samplesUs.size() < 2 ? 0 : *std::max_element(samplesUs.begin() + 1, samplesUs.end());
+}
+
 const char* CategoryName(int category) {
     switch (category) {
         case tvpm_cb_drawing_misc: return "drawing";
@@ -98,6 +102,10 @@ void Simulator::Frame() {
     {
         InFlight f("map layer drawing");
         DrawMapLayers();
+    }
+    {
+        InFlight f("camera and AI aircraft");
+        WorldServicesFrame();
     }
     {
         InFlight f("flight loops after the flight model");

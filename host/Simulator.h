@@ -17,6 +17,8 @@ struct TimingStat {
     std::map<long, double> usByFrame;        // frame number -> time spent in it
     double MeanUs() const { return calls ? totalUs / calls : 0; }
     double PercentileUs(double p) const;
+    // The longest call after the first, which often loads and warms up.
+    double MaxAfterFirstUs() const;
 };
 
 // Callback time per plugin file path and callback category.
@@ -43,6 +45,8 @@ public:
     void UnloadAircraft();
     // A scenery pack folder (ending with "/").
     void RegisterScenery(const std::string& packFolder);
+    // The user picks another view: a plugin's until-the-view-changes camera ends.
+    void ChangeView();
     void Shutdown();
 
     bool started = false;

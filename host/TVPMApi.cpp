@@ -71,6 +71,10 @@ bool TVPMApi::Load(const std::string& libraryPath, std::string& error) {
     TVPM_OPTIONAL(KeyPressHook);
     TVPM_OPTIONAL(ScrollWheelHook);
     TVPM_OPTIONAL(SendMessageToPlugin);
+    TVPM_OPTIONAL(CameraHook);
+    TVPM_OPTIONAL(IsCameraBeingControlled);
+    TVPM_OPTIONAL(GetNumberPlanesToHandle);
+    TVPM_OPTIONAL(UpdatePlaneNameAndPath);
 #undef TVPM_REQUIRE
 #undef TVPM_OPTIONAL
     if (!missing.empty()) {

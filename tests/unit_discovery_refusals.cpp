@@ -56,6 +56,17 @@ void TVPMFetchDirectoryContents(const char* path, const char* pattern,
     if (std::string(path) == "/sim/Resources/plugins" && std::string(pattern) == "*.tvp")
         out.push_back("one.tvp");
 }
+const TVPMCodeOnStack* gCodeOnStack = nullptr;
+StLoaderCall::StLoaderCall(TVPMPluginID id, const void* dll)
+    : saved_(gDispatchedPlugin), onStack_(dll) {
+    gDispatchedPlugin = id;
+}
+StLoaderCall::~StLoaderCall() { gDispatchedPlugin = saved_; }
+void TVPMPublishPluginLibrary(uint64_t, const void*, TVPMPluginID, const std::string&) {}
+void TVPMWithdrawPluginLibrary(uint64_t) {}
+const char* TVPMWhyNotAPluginFile(const char*) { return nullptr; }
+void TVPMReportBufferOverrun(TVPMPluginID, const char*, const char*) {}
+void TVPMReportPluginThrow(TVPMPluginID, TVPMCallSite, const char*) {}
 StLoaderBusy::StLoaderBusy() {}
 StLoaderBusy::~StLoaderBusy() {}
 void TVPMRunCleanupHooks(TVPMPluginID id) { Step("cleanup %d", id); }

@@ -20,6 +20,7 @@ TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPMPluginID gPendingWeatherUpdate = -1;
+const TVPMCodeOnStack* gCodeOnStack = nullptr;
 void TVPMReportUnclosedWeatherUpdate() {}
 
 TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID to, int message, void* param) {

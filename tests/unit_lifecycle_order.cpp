@@ -20,7 +20,16 @@ bool gTVPMDiagnostics = false;
 void __TVPMValidateThreadSafety(const char*, const char*, int) {}
 std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
 
+const TVPMCodeOnStack* gCodeOnStack = nullptr;
+
 void TVPMReportUnclosedWeatherUpdate() { gPendingWeatherUpdate = -1; }
+bool TVPMIsLibraryOnStack(const void* library) {
+    for (const TVPMCodeOnStack* link = gCodeOnStack; link; link = link->below)
+        if (link->library == library) return true;
+    return false;
+}
+void TVPMReportPluginThrow(TVPMPluginID id, TVPMCallSite, const char*) { Step("threw %d", id); }
+void TVPMWithdrawPluginLibrary(uint64_t) {}
 TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
 void TVPMLogPluginWarning(const char* msg) { Step("warning %s", msg); }
 void TVPMUnloadDLL(void* dll) { Step("close %p", dll); }
@@ -190,9 +199,11 @@ TEST_F(LifecycleOrder, UnloadOrphansCancelsStopsCleansAndCloses) {
 }
 
 TEST_F(LifecycleOrder, PluginUnloadedFromInsideItsOwnCodeKeepsItsLibraryUntilItReturns) {
-    gDispatchedPlugin = 1;
-    UnloadOnePlugin(1);
-    gDispatchedPlugin = 0;
+    {
+        StPluginCodeOnStack running(Plugin().dllRef);
+        UnloadOnePlugin(1);
+        TVPMCloseDeferredLibraries();
+    }
     EXPECT_EQ(s_steps.back(), "TVPMWeatherCleanupHook 1");
     TVPMCloseDeferredLibraries();
     EXPECT_EQ(s_steps.back(), "close 0x1");

@@ -10,6 +10,8 @@
 #include "../TVPM/core/TVPMDeliveries.cpp"
 #include "../TVPM/core/TVPMDispatch.cpp"
 #include "../TVPM/loader/TVPMLoaderLifecycle.cpp"
+#include "../TVPM/loader/TVPMLoaderNames.cpp"
+#include "../TVPM/core/TVPMCallPlugin.cpp"
 #define TVPM_RECORD_LIFECYCLE_HOOKS
 #include "support/UnitSteps.h"
 

@@ -137,6 +137,12 @@ TVPM_API void TVPMSetDatab(TVPMDataRef inDataRef, void* inValue, int inOffset, i
  * subscribing, and the subscriber as the current plugin. */
 typedef void (*TVPMDataChanged_f)(void* inRefcon);
 
+/* The most storage one shared item may hold: an array or data write that
+ * would grow it further is refused (the value is unchanged, nobody is
+ * notified) and the writer's error callback hears "Shared data cannot grow
+ * past 16 MB; the write was refused." */
+#define TVPM_SHARED_DATA_MAX_BYTES (16 * 1024 * 1024)
+
 /* Shares a value by name: the first sharer creates it as a writable item owned
  * by TVPM (it outlives every plugin); inDataType must be exactly one type.
  * With a non-null inNotificationFunc the [current plugin] subscribes to changes

@@ -11,6 +11,13 @@
 
 TVPMPluginID gPendingWeatherUpdate = -1;
 bool gTVPMDiagnostics = false;
+const TVPMCodeOnStack* gCodeOnStack = nullptr;
+
+bool TVPMIsLibraryOnStack(const void* library) {
+    for (const TVPMCodeOnStack* link = gCodeOnStack; link; link = link->below)
+        if (link->library == library) return true;
+    return false;
+}
 
 namespace {
 

@@ -11,15 +11,35 @@ extern TVPMPluginID gPendingWeatherUpdate;
 // Closes and reports a weather update that a callback left open.
 void TVPMReportUnclosedWeatherUpdate();
 
+// The libraries whose code the current call chain has entered, innermost
+// first: one link lives in each scope on the stack, so keeping the chain
+// costs two stores per call. A library on it must not be closed yet.
+struct TVPMCodeOnStack {
+    const void* library;
+    const TVPMCodeOnStack* below;
+};
+extern const TVPMCodeOnStack* gCodeOnStack;
+bool TVPMIsLibraryOnStack(const void* library);
+
+// Puts a library on the chain for the scope's lifetime.
+class StPluginCodeOnStack {
+public:
+    explicit StPluginCodeOnStack(const void* library) : link_{library, gCodeOnStack} {
+        gCodeOnStack = &link_;
+    }
+    ~StPluginCodeOnStack() { gCodeOnStack = link_.below; }
+    StPluginCodeOnStack(const StPluginCodeOnStack&) = delete;
+    StPluginCodeOnStack& operator=(const StPluginCodeOnStack&) = delete;
+
+private:
+    TVPMCodeOnStack link_;
+};
+
 // Marks a plugin as the current plugin for the scope's lifetime; operator()
 // says whether the plugin may be called (it is enabled).
 class StDispatchCallback {
 public:
-    explicit StDispatchCallback(TVPMPluginID id)
-        : mOK(IsCallable(id)), mOld(gDispatchedPlugin), mReallyOld(gClientPlugin) {
-        gClientPlugin = gDispatchedPlugin;
-        gDispatchedPlugin = id;
-    }
+    explicit StDispatchCallback(TVPMPluginID id) : StDispatchCallback(id, TVPMGetPluginRecord(id)) {}
     ~StDispatchCallback() {
         if (gPendingWeatherUpdate != -1) TVPMReportUnclosedWeatherUpdate();
         gDispatchedPlugin = mOld;
@@ -31,15 +51,19 @@ public:
     bool operator()() const { return mOK; }
 
 private:
-    static bool IsCallable(TVPMPluginID id) {
-        if (gAllPlugins.empty()) return id == 0;
-        const PluginRecord* r = TVPMGetPluginRecord(id);
-        return r && r->enabled;
+    StDispatchCallback(TVPMPluginID id, const PluginRecord* r)
+        : mOK(r ? r->enabled : gAllPlugins.empty() && id == 0),
+          mOld(gDispatchedPlugin),
+          mReallyOld(gClientPlugin),
+          mOnStack(r ? r->dllRef : nullptr) {
+        gClientPlugin = gDispatchedPlugin;
+        gDispatchedPlugin = id;
     }
 
     bool mOK;
     TVPMPluginID mOld;
     TVPMPluginID mReallyOld;
+    StPluginCodeOnStack mOnStack;
 };
 
 // ---------------------------------------------------------------------------

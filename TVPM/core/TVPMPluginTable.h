@@ -115,6 +115,27 @@ inline PluginRecord* TVPMGetPluginRecord(TVPMPluginID id) {
     return TVPMIsValidPluginID(id) ? &gAllPlugins[static_cast<size_t>(id)] : nullptr;
 }
 
+// One plugin as it was when taken: Get() finds its record again after a call
+// into plugin code, or null when that plugin has since been unloaded, trimmed
+// or replaced by a reloaded copy at the same ID. Code that calls into a
+// plugin keeps this, never a PluginRecord pointer or reference.
+class TVPMPluginIncarnation {
+public:
+    explicit TVPMPluginIncarnation(TVPMPluginID id) : id_(id) {
+        const PluginRecord* r = TVPMGetPluginRecord(id);
+        generation_ = r ? r->generation : 0;
+    }
+    PluginRecord* Get() const {
+        PluginRecord* r = TVPMGetPluginRecord(id_);
+        return r && r->generation == generation_ ? r : nullptr;
+    }
+    TVPMPluginID id() const { return id_; }
+
+private:
+    TVPMPluginID id_;
+    uint64_t generation_;
+};
+
 inline void TVPMSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
 inline int TVPMGetDispatchedPlugin() { return gDispatchedPlugin; }
 inline void TVPMSetClientPlugin(int id) { gClientPlugin = id; }

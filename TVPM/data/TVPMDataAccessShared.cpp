@@ -10,6 +10,8 @@ std::vector<TVPMSharedDataRecord*>& gSharedData = *new std::vector<TVPMSharedDat
 namespace {
 
 constexpr int kItemBytes = 4;
+// Largest storage one shared item may grow to, as the public header documents.
+constexpr int64_t kMaxSharedDataBytes = int64_t(TVPM_SHARED_DATA_MAX_BYTES);
 
 int InitialStorage(TVPMDataTypeID type) {
     switch (type) {
@@ -84,9 +86,15 @@ int GetItems(void* refcon, TVPMDataTypeID type, int itemBytes, void* out, int in
 }
 
 // Grows the storage to hold bytes (never shrinks); new bytes are zeroed.
+// Growth past the limit is refused and reported to the writer, which is the
+// client plugin here: the library itself owns shared items.
 bool Reserve(TVPMSharedDataRecord* r, int64_t bytes) {
     if (bytes <= r->size) return true;
-    if (bytes > INT32_MAX) return false;
+    if (bytes > kMaxSharedDataBytes) {
+        StDispatchCallback asWriter(gClientPlugin);
+        TVPMSendError("Shared data cannot grow past 16 MB; the write was refused.");
+        return false;
+    }
     char* grown = static_cast<char*>(realloc(r->data, static_cast<size_t>(bytes)));
     if (!grown) return false;
     memset(grown + r->size, 0, static_cast<size_t>(bytes - r->size));

@@ -44,11 +44,21 @@ bool EndsWithNoCase(const char* name, const char* suffix) {
 
 }  // namespace
 
+const char* TVPMWhyNotAPluginFile(const char* path) {
+    struct stat st;
+    if (!path || stat(path, &st) != 0 || S_ISREG(st.st_mode)) return nullptr;
+    if (S_ISDIR(st.st_mode)) return "a folder";
+    if (S_ISFIFO(st.st_mode)) return "a named pipe";
+    if (S_ISSOCK(st.st_mode)) return "a socket";
+    if (S_ISCHR(st.st_mode) || S_ISBLK(st.st_mode)) return "a device";
+    return "not a regular file";
+}
+
+// Only regular files are opened: opening a named pipe or a device could block
+// start-up for ever.
 void* TVPMLoadDLL(const char* inName) {
-    if (!inName) return nullptr;
-    FILE* probe = fopen(inName, "rb");
-    if (!probe) return nullptr;
-    fclose(probe);
+    struct stat st;
+    if (!inName || stat(inName, &st) != 0 || !S_ISREG(st.st_mode)) return nullptr;
     void* handle = dlopen(inName, RTLD_NOW);
     if (!handle) LogDlError();
     return handle;
@@ -78,18 +88,21 @@ __attribute__((noinline)) void* TVPMGetDLLForCaller(int num_frames) {
 
 void* TVPMGetDLLForInstruction(void* ip) { return LoadedLibraryContaining(ip); }
 
+bool TVPMNameMatchesPattern(const char* name, const char* pattern) {
+    if (strcmp(pattern, "*.*") == 0) return true;
+    return EndsWithNoCase(name, pattern[0] == '*' ? pattern + 1 : pattern);
+}
+
 void TVPMFetchDirectoryContents(const char* inPath, const char* inSuffixPattern,
                                 std::vector<std::string>& outFileList) {
     if (!inPath || !inSuffixPattern) return;
     DIR* dir = opendir(inPath);
     if (!dir) return;
-    const bool all = strcmp(inSuffixPattern, "*.*") == 0;
     const bool dirs = strcmp(inSuffixPattern, "DIR") == 0;
-    const char* suffix = inSuffixPattern[0] == '*' ? inSuffixPattern + 1 : inSuffixPattern;
     while (dirent* entry = readdir(dir)) {
         const char* name = entry->d_name;
         if (strcmp(name, ".") == 0 || strcmp(name, "..") == 0) continue;
-        if (all || EndsWithNoCase(name, suffix)) outFileList.push_back(name);
+        if (TVPMNameMatchesPattern(name, inSuffixPattern)) outFileList.push_back(name);
         if (!dirs) continue;
         std::string full = std::string(inPath) + "/" + name;
         struct stat st;

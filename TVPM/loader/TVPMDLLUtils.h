@@ -7,15 +7,22 @@
 #include <vector>
 
 // Opens a plugin library with immediate binding; null (logged as "dlerror:")
-// when it cannot be loaded, null without a log line when the file is missing.
+// when it cannot be loaded, null without a log line when the file is missing
+// or is not a regular file (which is never opened).
 void* TVPMLoadDLL(const char* inName);
 void TVPMUnloadDLL(void* dll);
+// What is at path when it exists but is not a regular file ("a named pipe",
+// "a device", ...), or null. Looks without opening.
+const char* TVPMWhyNotAPluginFile(const char* path);
 // dlsym on inDLL; a missing symbol is logged when inLogErrors is non-zero.
 void* TVPMFindSymbol(void* inDLL, const char* inSymbol, int inLogErrors);
 // The loaded library holding the code num_frames frames up the caller's stack.
 void* TVPMGetDLLForCaller(int num_frames);
 // The loaded library holding the code at ip.
 void* TVPMGetDLLForInstruction(void* ip);
+// The listing's name rule: any name for "*.*", else the name ends with the
+// pattern's text after one leading "*", compared case-insensitively.
+bool TVPMNameMatchesPattern(const char* name, const char* pattern);
 // Appends the names in inPath matching "*.ext" (case-insensitive), every name
 // for "*.*", and subfolder names for "DIR".
 void TVPMFetchDirectoryContents(const char* inPath, const char* inSuffixPattern,

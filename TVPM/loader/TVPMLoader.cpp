@@ -5,6 +5,7 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 #include "TVPMDLLUtils.h"
+#include "TVPMLoaderNames.h"
 #include "TVPMPrivate.h"
 
 
@@ -103,12 +104,17 @@ TVPM_API void TVPMGetPluginInfo(TVPMPluginID inPlugin, char* outName, char* outF
 
 TVPMPluginID TVPMPluginFromDLL(void* dll) {
     if (!dll) return TVPM_NO_PLUGIN_ID;
+    // Other threads (the thread check's culprit search) must not walk the
+    // table while the plugin thread reshapes it.
+    if (!pthread_equal(pthread_self(), gPluginThread))
+        return TVPMPublishedPluginForLibrary(dll, nullptr);
     for (size_t i = 0; i < gAllPlugins.size(); ++i)
         if (gAllPlugins[i].dllRef == dll) return static_cast<TVPMPluginID>(i);
     return TVPM_NO_PLUGIN_ID;
 }
 
-const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
+TVPM_API const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMPluginID id = TVPMPluginFromDLL(TVPMGetDLLForInstruction(ip));
     const PluginRecord* r = TVPMGetPluginRecord(id);
     if (!r) return nullptr;
@@ -121,8 +127,9 @@ const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
 TVPM_API const char* TVPMDebugGetCurrentPluginName(void) {
     if (pthread_equal(pthread_self(), gPluginThread)) return DebugCurrentPluginName();
     for (int depth = 0; depth < 10; ++depth) {
-        const PluginRecord* r = TVPMGetPluginRecord(TVPMPluginFromDLL(TVPMGetDLLForCaller(depth)));
-        if (r && r->dllRef) return r->name.c_str();
+        const char* name = nullptr;
+        if (TVPMPublishedPluginForLibrary(TVPMGetDLLForCaller(depth), &name) != TVPM_NO_PLUGIN_ID)
+            return name;
     }
     return "";
 }
@@ -140,8 +147,7 @@ TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID inPlugin, int inMessage, void
     for (TVPMPluginID id = first; id <= last && id < TVPMCountPlugins(); ++id) {
         TVPMPluginReceiveMessage_f receive = gAllPlugins[static_cast<size_t>(id)].receiveMessageFunc;
         if (!receive) continue;
-        StDispatchCallback scope(id);
-        if (scope()) receive(sender, inMessage, inParam);
+        TVPMCallPlugin(id, TVPMCallSite::kMessage, [&] { receive(sender, inMessage, inParam); });
     }
 }
 

@@ -1,5 +1,7 @@
 // TVPMLoaderDiscovery.cpp: finding plugin files in the simulator, aircraft and scenery folders, loading and starting them.
 #include <algorithm>
+#include <memory>
+#include <utility>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -7,7 +9,9 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 #include "TVPMDLLUtils.h"
+#include "TVPMGuardedText.h"
 #include "TVPMLoaderLifecycle.h"
+#include "TVPMLoaderNames.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -15,7 +19,6 @@ std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
 
 namespace {
 
-constexpr int kTextBufferSize = 256;
 constexpr int kMinVersionForInitString = 4;
 
 std::vector<std::string> SortedListing(const std::string& folder, const char* pattern) {
@@ -83,7 +86,8 @@ EntryPoints ResolveEntryPoints(void* dll) {
     return e;
 }
 
-void AppendPluginRecord(void* dll, const std::string& path, const EntryPoints& e) {
+void AppendPluginRecord(TVPMPluginID id, void* dll, const std::string& path,
+                        const EntryPoints& e) {
     PluginRecord& r = gAllPlugins.emplace_back();
     r.dllRef = dll;
     r.name = NameFromPath(path);
@@ -92,10 +96,12 @@ void AppendPluginRecord(void* dll, const std::string& path, const EntryPoints& e
     r.enableFunc = e.enable;
     r.disableFunc = e.disable;
     r.receiveMessageFunc = e.receiveMessage;
+    TVPMPublishPluginLibrary(r.generation, dll, id, r.name);
 }
 
 // Drops the table's last record (a plugin that never got going).
 void DropLastRecord(bool isAircraftPlugin) {
+    TVPMWithdrawPluginLibrary(gAllPlugins.back().generation);
     gAllPlugins.pop_back();
     if (isAircraftPlugin && !gCurrentAircraftPluginIDS.empty())
         gCurrentAircraftPluginIDS.pop_back();
@@ -110,6 +116,34 @@ TVPMPluginID FindSignature(const char* signature) {
             return static_cast<TVPMPluginID>(i);
     }
     return TVPM_NO_PLUGIN_ID;
+}
+
+// The three texts TPluginStart fills, each with a guard area behind it.
+struct StartTexts {
+    TVPMGuardedText name, signature, description;
+};
+
+// Calls TPluginStart with the new plugin current; a throw counts as a 0. The
+// simulator is current again afterwards, whatever the plugin did.
+bool CallPluginStart(TVPMPluginID id, void* dll, TVPMPluginStart_f start, StartTexts& texts) {
+    int started = 0;
+    {
+        StLoaderCall call(id, dll);
+        TVPMGuardPluginCall(id, TVPMCallSite::kStart, [&] {
+            started = start(texts.name.data(), texts.signature.data(), texts.description.data());
+        });
+    }
+    TVPMSetDispatchedPlugin(0);
+    return started != 0;
+}
+
+// A plugin that filled a buffer to the brim still gets terminated text; one
+// that wrote past it is reported.
+void SealStartTexts(TVPMPluginID id, StartTexts& texts) {
+    const std::pair<TVPMGuardedText*, const char*> all[] = {
+        {&texts.name, "name"}, {&texts.signature, "signature"}, {&texts.description, "description"}};
+    for (const auto& text : all)
+        if (text.first->Seal()) TVPMReportBufferOverrun(id, "TPluginStart", text.second);
 }
 
 // TPluginStart said no: the plugin leaves nothing behind. Whatever it
@@ -139,6 +173,12 @@ void RefuseDuplicate(TVPMPluginID id, const std::string& path, const char* signa
 TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
                            int isCurrentAcfPlugin) {
     if (!gHooks->TVPMShouldLoadPlugin_f(inPluginPath.c_str())) return TVPM_NO_PLUGIN_ID;
+    if (const char* what = TVPMWhyNotAPluginFile(inPluginPath.c_str())) {
+        LogOutcome("Failed: ", inPluginPath,
+                   (std::string(".  (This is ") + what +
+                    ", not a plugin file; it was not opened.)\n\n").c_str());
+        return TVPM_NO_PLUGIN_ID;
+    }
     void* dll = TVPMLoadDLL(inPluginPath.c_str());
     if (!dll) {
         if (inLegacyPlugin)
@@ -161,18 +201,19 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     // its own callback returns.
     const TVPMPluginID id = TVPMCountPlugins();
     const bool isAircraftPlugin = isCurrentAcfPlugin != 0;
-    TVPMSetDispatchedPlugin(id);
-    AppendPluginRecord(dll, inPluginPath, entry);
+    AppendPluginRecord(id, dll, inPluginPath, entry);
     if (isAircraftPlugin) gCurrentAircraftPluginIDS.push_back(id);
 
-    char name[kTextBufferSize] = "", signature[kTextBufferSize] = "",
-         description[kTextBufferSize] = "";
-    if (!entry.start(name, signature, description)) {
+    const std::unique_ptr<StartTexts> texts(new StartTexts);
+    const bool started = CallPluginStart(id, dll, entry.start, *texts);
+    SealStartTexts(id, *texts);
+    const char* name = texts->name.c_str();
+    const char* signature = texts->signature.c_str();
+    const char* description = texts->description.c_str();
+    if (!started) {
         RefuseStart(id, dll, inPluginPath, isAircraftPlugin);
         return TVPM_NO_PLUGIN_ID;
     }
-    // A plugin that filled a buffer to the brim still gets terminated text.
-    for (char* text : {name, signature, description}) text[kTextBufferSize - 1] = 0;
     TVPMSetDispatchedPlugin(0);
     if (FindSignature(signature) != TVPM_NO_PLUGIN_ID) {
         RefuseDuplicate(id, inPluginPath, signature, isAircraftPlugin);
@@ -182,6 +223,7 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     r.name = name;
     r.signature = signature;
     r.description = description;
+    TVPMPublishPluginLibrary(r.generation, dll, id, r.name);
     TVPMDebugString("Loaded: ");
     TVPMDebugString(inPluginPath.c_str());
     TVPMDebugString(" (");

@@ -8,6 +8,7 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDLLUtils.h"
 #include "TVPMDiagnostics.h"
+#include "TVPMLoaderNames.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
 
@@ -17,53 +18,74 @@ namespace {
 
 constexpr int kMinVersionForReloadAlert = 3;
 constexpr size_t kHostPathSize = 1024;
+// An aircraft plugin whose enable reloads the aircraft plugins recurses;
+// past this depth the reload is refused.
+constexpr int kMaxNestedAircraftReloads = 4;
+// Disabling the aircraft plugins repeats while a disable brought in new copies.
+constexpr int kMaxAircraftDisablePasses = 4;
 
 int s_busyDepth = 0;
+int s_aircraftReloadDepth = 0;
 // Libraries of plugins unloaded while their own code was still on the stack.
 std::vector<void*> s_deferredCloses;
 
-// A plugin that may be enabled or disabled through the interface: never the
-// simulator's own record.
-PluginRecord* SwitchablePlugin(TVPMPluginID id) {
-    return id > 0 ? TVPMGetPluginRecord(id) : nullptr;
-}
+class StCount {
+public:
+    explicit StCount(int& counter) : counter_(counter) { ++counter_; }
+    ~StCount() { --counter_; }
+    StCount(const StCount&) = delete;
+    StCount& operator=(const StCount&) = delete;
 
-// True when the plugin's code may be on the stack below us: it is the plugin
-// being called now or the one that called it.
-bool MayBeRunning(TVPMPluginID id) { return id == gDispatchedPlugin || id == gClientPlugin; }
+private:
+    int& counter_;
+};
 
-bool NoPluginIsRunning() { return gDispatchedPlugin <= 0 && gClientPlugin <= 0; }
-
-// Calls TPluginEnable with the plugin current; the plugin counts as enabled
-// during the call and afterwards only if it returned non-zero.
-void CallPluginEnable(TVPMPluginID id, TVPMPluginEnable_f enable) {
-    StDispatchCallback scope(id);
-    gAllPlugins[static_cast<size_t>(id)].enabled = true;
-    const bool agreed = enable() != 0;
-    // The callback may have reshaped the table; look the record up again.
-    if (PluginRecord* r = TVPMGetPluginRecord(id)) r->enabled = agreed;
-}
-
-bool IsEnabled(TVPMPluginID id) {
-    const PluginRecord* r = TVPMGetPluginRecord(id);
+bool IsEnabled(const TVPMPluginIncarnation& p) {
+    const PluginRecord* r = p.Get();
     return r && r->enabled;
 }
 
-// The plugin's own agreement, then the weather unit's; returns the state.
-int EnableAfterHooks(TVPMPluginID id) {
-    PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
-    if (r.enableFunc)
-        CallPluginEnable(id, r.enableFunc);
-    else
-        r.enabled = true;
-    if (!IsEnabled(id)) return 0;
-    TVPMWeatherEnableHook(id);
-    return IsEnabled(id) ? 1 : 0;
+// Calls an entry point that returns nothing, with the plugin current whether
+// or not it is enabled; a throw counts as the entry point doing nothing.
+template <class F>
+void CallEntryPoint(TVPMPluginID id, TVPMCallSite site, F entry) {
+    StDispatchCallback scope(id);
+    TVPMGuardPluginCall(id, site, entry);
 }
 
-void DeliverPending(TVPMPluginID id) {
-    StDispatchCallback scope(id);
-    while (PluginRecord* r = TVPMGetPluginRecord(id)) {
+// Calls TPluginEnable with the plugin current; the plugin counts as enabled
+// during the call and afterwards only if it returned non-zero (a throw is 0).
+void CallPluginEnable(const TVPMPluginIncarnation& p, TVPMPluginEnable_f enable) {
+    StDispatchCallback scope(p.id());
+    p.Get()->enabled = true;
+    int agreed = 0;
+    TVPMGuardPluginCall(p.id(), TVPMCallSite::kEnable, [&] { agreed = enable(); });
+    if (PluginRecord* r = p.Get()) r->enabled = agreed != 0;
+}
+
+// Every hook below may call into plugin code, which may disable, unload or
+// reload this very plugin; each step therefore starts from the ID and stops
+// when the plugin it began with is gone.
+int EnableSteps(const TVPMPluginIncarnation& p) {
+    const TVPMPluginID id = p.id();
+    TVPMDisplayEnableHook(id);
+    if (!p.Get()) return 0;
+    TVPMInstanceEnableHook(id);
+    PluginRecord* r = p.Get();
+    if (!r) return 0;
+    if (r->enabled) return 1;  // a hook's callback enabled it meanwhile
+    if (r->enableFunc)
+        CallPluginEnable(p, r->enableFunc);
+    else
+        r->enabled = true;
+    if (!IsEnabled(p)) return 0;
+    TVPMWeatherEnableHook(id);
+    return IsEnabled(p) ? 1 : 0;
+}
+
+void DeliverPending(const TVPMPluginIncarnation& p) {
+    StDispatchCallback scope(p.id());
+    while (PluginRecord* r = p.Get()) {
         TVPMDelivery* d = r->pending.first();
         if (!d) break;
         d->Unlink();
@@ -79,21 +101,28 @@ void OrphanOutstanding(PluginRecord& r) {
     }
 }
 
-void CancelPending(PluginRecord& r) {
-    while (TVPMDelivery* d = r.pending.first()) {
+void CancelPending(const TVPMPluginIncarnation& p) {
+    while (PluginRecord* r = p.Get()) {
+        TVPMDelivery* d = r->pending.first();
+        if (!d) break;
         d->Unlink();
         d->plugin = TVPM_NO_PLUGIN_ID;
         d->DeliverToPlugin(true);
     }
 }
 
-void CallPluginStop(TVPMPluginID id) {
-    TVPMPluginStop_f stop = gAllPlugins[static_cast<size_t>(id)].exitFunc;
+void CallPluginStop(const TVPMPluginIncarnation& p) {
+    const PluginRecord* r = p.Get();
+    TVPMPluginStop_f stop = r ? r->exitFunc : nullptr;
     if (!stop) return;
-    const TVPMPluginID saved = TVPMGetDispatchedPlugin();
-    TVPMSetDispatchedPlugin(id);
-    stop();
-    TVPMSetDispatchedPlugin(saved);
+    StLoaderCall call(p.id(), r->dllRef);
+    TVPMGuardPluginCall(p.id(), TVPMCallSite::kStop, stop);
+}
+
+bool AnyAircraftPluginEnabled() {
+    for (TVPMPluginID id : gCurrentAircraftPluginIDS)
+        if (TVPMIsPluginEnabled(id)) return true;
+    return false;
 }
 
 }  // namespace
@@ -119,10 +148,12 @@ namespace {
 // The record outlives its library until the table is trimmed: it must never
 // lead into unmapped code. Its name, path and signature stay, so that it is
 // still found by them, and a second copy of the plugin loaded meanwhile is
-// refused as a duplicate.
-void ForgetLibrary(PluginRecord& r, bool closeLater) {
+// refused as a duplicate. A library whose code is still on the stack is
+// closed once that code has returned.
+void ForgetLibrary(PluginRecord& r) {
+    TVPMWithdrawPluginLibrary(r.generation);
     if (r.dllRef) {
-        if (closeLater)
+        if (TVPMIsLibraryOnStack(r.dllRef))
             s_deferredCloses.push_back(r.dllRef);
         else
             TVPMUnloadDLL(r.dllRef);
@@ -136,14 +167,14 @@ void ForgetLibrary(PluginRecord& r, bool closeLater) {
     r.enabled = false;
 }
 
-void UnloadPlugin(TVPMPluginID id, bool closeLater) {
+void UnloadPlugin(TVPMPluginID id) {
     StLoaderBusy busy;
-    PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
-    OrphanOutstanding(r);
-    CancelPending(r);
-    CallPluginStop(id);
+    const TVPMPluginIncarnation p(id);
+    OrphanOutstanding(*p.Get());
+    CancelPending(p);
+    CallPluginStop(p);
     TVPMRunCleanupHooks(id);
-    ForgetLibrary(gAllPlugins[static_cast<size_t>(id)], closeLater);
+    if (PluginRecord* r = p.Get()) ForgetLibrary(*r);
 }
 
 void ReportRefusedAircraftReload() {
@@ -151,7 +182,18 @@ void ReportRefusedAircraftReload() {
         "TVPMReloadACFPlugins called while plugins are being loaded or unloaded; ignored.");
 }
 
+void ReportNestedAircraftReload() {
+    TVPMLogPluginWarning(
+        "TVPMReloadACFPlugins called from inside too many nested aircraft reloads; ignored.");
+}
+
 }  // namespace
+
+StLoaderCall::StLoaderCall(TVPMPluginID id, const void* dll)
+    : saved_(TVPMGetDispatchedPlugin()), onStack_(dll) {
+    TVPMSetDispatchedPlugin(id);
+}
+StLoaderCall::~StLoaderCall() { TVPMSetDispatchedPlugin(saved_); }
 
 StLoaderBusy::StLoaderBusy() { ++s_busyDepth; }
 StLoaderBusy::~StLoaderBusy() { --s_busyDepth; }
@@ -175,42 +217,44 @@ std::string TVPMUserAircraftFolder() {
 
 TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    return IsEnabled(inPluginID) ? 1 : 0;
+    const PluginRecord* r = TVPMGetPluginRecord(inPluginID);
+    return r && r->enabled ? 1 : 0;
 }
 
 TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    PluginRecord* r = SwitchablePlugin(inPluginID);
+    if (inPluginID <= 0) return 0;  // the simulator's own record is not switchable
+    const TVPMPluginIncarnation p(inPluginID);
+    const PluginRecord* r = p.Get();
     // A record whose library is gone (unloaded, awaiting trimming) stays off.
     if (!r || !r->dllRef) return 0;
-    int state = 1;
-    if (!r->enabled) {
-        TVPMDisplayEnableHook(inPluginID);
-        TVPMInstanceEnableHook(inPluginID);
-        state = EnableAfterHooks(inPluginID);
-    }
-    if (state) DeliverPending(inPluginID);
+    const int state = r->enabled ? 1 : EnableSteps(p);
+    if (!p.Get()) return 0;
+    if (state) DeliverPending(p);
+    if (!p.Get()) return 0;
     TVPMDisplaySyncGuiWindowStateWithPluginHook(inPluginID, state);
     return state;
 }
 
 TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
-    PluginRecord* r = SwitchablePlugin(inPluginID);
-    if (!r || !r->enabled) return;
-    TVPMDisplayDisablePrePluginDisableHook(inPluginID);
-    TVPMInstanceDisableHook(inPluginID);
-    TVPMCameraDisableHook(inPluginID);
-    r->enabled = false;
-    if (TVPMPluginDisable_f disable = r->disableFunc) {
-        // The plugin is already off, so the scope's permission is ignored.
-        StDispatchCallback scope(inPluginID);
-        disable();
+    if (inPluginID <= 0) return;
+    const TVPMPluginIncarnation p(inPluginID);
+    if (!IsEnabled(p)) return;
+    for (auto hook : {TVPMDisplayDisablePrePluginDisableHook, TVPMInstanceDisableHook,
+                      TVPMCameraDisableHook}) {
+        hook(inPluginID);
+        if (!IsEnabled(p)) return;  // disabled, unloaded or replaced meanwhile
     }
-    TVPMPlaneDisableHook(inPluginID);
-    TVPMDisplayDisablePostPluginDisableHook(inPluginID);
-    TVPMFMODDisableHook(inPluginID);
-    TVPMWeatherDisableHook(inPluginID);
+    PluginRecord* r = p.Get();
+    r->enabled = false;
+    if (TVPMPluginDisable_f disable = r->disableFunc)
+        CallEntryPoint(inPluginID, TVPMCallSite::kDisable, disable);
+    for (auto hook : {TVPMPlaneDisableHook, TVPMDisplayDisablePostPluginDisableHook,
+                      TVPMFMODDisableHook, TVPMWeatherDisableHook}) {
+        if (!p.Get()) return;
+        hook(inPluginID);
+    }
 }
 
 TVPM_API void TVPMReloadPlugins(void) {
@@ -222,7 +266,8 @@ TVPM_API void TVPMReloadACFPlugins(void) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!gHooks || gAllPlugins.empty()) return;  // not started, or shut down
     if (TVPMLoaderBusy()) return ReportRefusedAircraftReload();
-    StLoaderBusy busy;
+    if (s_aircraftReloadDepth >= kMaxNestedAircraftReloads) return ReportNestedAircraftReload();
+    StCount nesting(s_aircraftReloadDepth);
     TVPMDisableACFPlugins();
     TVPMUnloadAcfPlugin();
     std::string folder;
@@ -244,9 +289,13 @@ void TVPMEnableACFPlugins() {
     for (TVPMPluginID id : ids) TVPMEnablePlugin(id);
 }
 
+// A plugin's disable may reload the aircraft plugins; the copies that brings
+// in are disabled too.
 void TVPMDisableACFPlugins() {
-    const std::vector<TVPMPluginID> ids = gCurrentAircraftPluginIDS;
-    for (TVPMPluginID id : ids) TVPMDisablePlugin(id);
+    for (int pass = 0; pass < kMaxAircraftDisablePasses && AnyAircraftPluginEnabled(); ++pass) {
+        const std::vector<TVPMPluginID> ids = gCurrentAircraftPluginIDS;
+        for (TVPMPluginID id : ids) TVPMDisablePlugin(id);
+    }
 }
 
 bool TVPMIsAcfPlugin(TVPMPluginID id) {
@@ -255,19 +304,21 @@ bool TVPMIsAcfPlugin(TVPMPluginID id) {
 }
 
 void UnloadOnePlugin(TVPMPluginID id) {
-    if (!TVPMIsValidPluginID(id)) return;
-    UnloadPlugin(id, MayBeRunning(id));
+    if (TVPMIsValidPluginID(id)) UnloadPlugin(id);
 }
 
-void TVPMUnloadStoppedPlugin(TVPMPluginID id) {
-    if (TVPMIsValidPluginID(id)) UnloadPlugin(id, false);
-}
+void TVPMUnloadStoppedPlugin(TVPMPluginID id) { UnloadOnePlugin(id); }
 
 void TVPMCloseDeferredLibraries() {
-    if (!NoPluginIsRunning() || s_deferredCloses.empty()) return;
+    if (s_deferredCloses.empty()) return;
     std::vector<void*> handles;
     handles.swap(s_deferredCloses);
-    for (void* dll : handles) TVPMUnloadDLL(dll);
+    for (void* dll : handles) {
+        if (TVPMIsLibraryOnStack(dll))
+            s_deferredCloses.push_back(dll);
+        else
+            TVPMUnloadDLL(dll);
+    }
 }
 
 void TVPMUnloadPlugins() {
@@ -288,8 +339,9 @@ void TVPMUnloadAcfPlugin() {
     gCurrentAircraftPluginIDS.clear();
 }
 
+// The loader is busy only while it unloads and, inside each load, while a
+// record is appended and started: enabling works here as at start-up.
 void TVPMReloadPluginsInternal() {
-    StLoaderBusy busy;
     gScheduleReload = false;
     TVPMDisableAllPlugins();
     TVPMUnloadAcfPlugin();

@@ -9,11 +9,11 @@
 // IDs of the plugins loaded from the user's aircraft folder, in load order.
 extern std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
 
-// True while plugins are being loaded, started, stopped or unloaded. Requests
-// that would reshape the plugin table from inside a plugin's own start, stop
-// or enable (an aircraft reload, an aircraft or scenery event sent by a
-// plugin) are refused meanwhile: they would recurse or pull records away from
-// under the loader.
+// True while a plugin record is being appended and started, or plugins are
+// being stopped and unloaded. Requests that would reshape the plugin table
+// from inside a plugin's own start or stop (an aircraft reload, an aircraft or
+// scenery event sent by a plugin) are refused meanwhile: they would pull
+// records away from under the loader.
 bool TVPMLoaderBusy();
 
 // Marks the loader busy for its lifetime.
@@ -25,6 +25,21 @@ public:
     StLoaderBusy& operator=(const StLoaderBusy&) = delete;
 };
 
+// The loader's own call into a plugin's TPluginStart or TPluginStop: the
+// plugin is current (the client plugin is left alone) and its library counts
+// as on the stack, for the scope's lifetime.
+class StLoaderCall {
+public:
+    StLoaderCall(TVPMPluginID id, const void* dll);
+    ~StLoaderCall();
+    StLoaderCall(const StLoaderCall&) = delete;
+    StLoaderCall& operator=(const StLoaderCall&) = delete;
+
+private:
+    TVPMPluginID saved_;
+    StPluginCodeOnStack onStack_;
+};
+
 // Tells every unit, in the fixed unload order, to release what the plugin owns.
 void TVPMRunCleanupHooks(TVPMPluginID id);
 
@@ -32,9 +47,8 @@ void TVPMRunCleanupHooks(TVPMPluginID id);
 // its library is closed at once.
 void TVPMUnloadStoppedPlugin(TVPMPluginID id);
 
-// Closes the libraries of plugins that were unloaded from inside their own
-// code, once no plugin code can be running any more. Call it only from a
-// host entry point or at the end of a full unload.
+// Closes the libraries of unloaded plugins whose code has left the stack;
+// the others wait for a later call.
 void TVPMCloseDeferredLibraries();
 
 // The folder of the user's aircraft (its file path cut before the last "/");

@@ -70,3 +70,10 @@ TVPM_PLUGIN_API void TPluginReceiveMessage(TVPMPluginID, int inMsg, void* inPara
         default: break;
     }
 }
+
+// For threads the test itself starts: the name TVPM gives code of this plugin.
+extern "C" __attribute__((visibility("default"), noinline)) const char* WorkerThreadName(void) {
+    const char* name = TVPMDebugGetCurrentPluginName();
+    asm volatile("" ::: "memory");  // no tail call: this frame must be on the stack
+    return name;
+}
