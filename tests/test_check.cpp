@@ -49,6 +49,8 @@ const BrokenCase kCorpus[] = {
     {"open_file", "", 1, "fail    file-descriptors.*opened by the plugin still open after it was unloaded: \\d+ "
                          "\\(/dev/null\\)"},
     {"broken_pinned.tvp", "", 1, "fail    code-unmapped"},
+    {"name_overrun", "", 1, "fail    caller-buffers   \\[start\\] \\[name_overrun.tvp\\]: buffer overrun: TPluginStart wrote "
+                            "past the end of the 256-byte name buffer"},
     {"broken_start.tvp", "", 1, "fail    load.*refused to start"},
     {"broken_deprecated.tvp", "--level 5", 1, "warn    warnings.*is deprecated"},
 };
