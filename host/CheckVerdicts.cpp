@@ -62,11 +62,13 @@ bool IsPluginLibrary(const std::string& file, const std::string& library) {
     return file == library || (file.size() > 4 && file.compare(file.size() - 4, 4, ".tvp") == 0);
 }
 
-// "<count> <kind>". Weather a plugin set stays its own until TVPM's clean-up
-// drops it; what the simulator still holds of it is the world-services check's.
+// "<count> <kind>". Weather a plugin set and the channel group TVPM made for
+// its sounds stay its own until TVPM's clean-up drops them (no call releases
+// them); what the simulator still holds of them is for the world-services and
+// sound checks.
 void JudgeLeftAtUnload(CheckResult& r, std::set<std::string>& seen, const std::string& step, const std::string& text) {
     const std::string kind = text.substr(text.find(' ') + 1);
-    const bool keptByDesign = kind == "weather";
+    const bool keptByDesign = kind == "weather" || kind == "sound channel groups";
     AddOnce(r, seen, "leftovers", keptByDesign ? Outcome::kPass : Outcome::kFail, step,
             "still had " + text + " registered after TPluginStop; TVPM's clean-up released them", kind);
 }

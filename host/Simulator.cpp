@@ -5,6 +5,7 @@
 
 #include "CheckSignals.h"
 #include "SimServices.h"
+#include "SimSound.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -89,6 +90,7 @@ void Simulator::Frame() {
     ++w.frame;
     w.CompleteAsyncLoads();
     const float now = w.ElapsedTime();
+    AdvanceSound(1.0 / w.fps);
     {
         InFlight f("flight loops before the flight model");
         Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
@@ -97,6 +99,10 @@ void Simulator::Frame() {
         InFlight f("draw callbacks");
         for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
             if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    }
+    {
+        InFlight f("avionics drawing and input");
+        RunAvionicsFrame(w.frame);
     }
     DrawGuiWindows();
     {

@@ -94,6 +94,16 @@ inline TVPMCalled TVPMCallPlugin(TVPMPluginID id, TVPMCallSite site, F&& fn) {
     return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
 }
 
+// Calls fn with plugin id current although the plugin is already marked
+// disabled: for what a family still owes it inside its own disable path (its
+// last sound completions). Does nothing for an ID that has no record.
+template <class F>
+inline TVPMCalled TVPMCallPluginBeingDisabled(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+    StDispatchCallback scope(id);
+    if (!TVPMGetPluginRecord(id)) return TVPMCalled::kNo;
+    return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
+}
+
 // The same, timed under category for the host's callback timings.
 template <class F>
 inline TVPMCalled TVPMCallPluginTimed(TVPMPluginID id, TVPMCallSite site,
