@@ -18,6 +18,12 @@ struct BrokenCase {
 
 // One line per mistake plugin authors make; each must fail with its named check.
 const BrokenCase kCorpus[] = {
+    {"leak_flight_loop", "", 1, "fail    leftovers.*still had 1 flight loops registered after TPluginStop"},
+    {"leak_command_handler", "", 1, "fail    leftovers.*command handlers registered after TPluginStop"},
+    {"leak_data_accessor", "", 1, "fail    leftovers.*data items registered after TPluginStop"},
+    {"leak_hot_key", "", 1, "fail    leftovers.*1 hot keys registered after TPluginStop"},
+    {"leak_draw_callback", "", 1, "fail    leftovers.*1 draw callbacks registered after TPluginStop"},
+    {"leak_key_sniffer", "", 1, "fail    leftovers.*1 key sniffers registered after TPluginStop"},
     {"broken_leak.tvp", "", 1, "fail    leftovers.*left behind: window 'Forgotten' was not released by the plugin"},
     {"crash_menu_handler", "", 3, "crash   fuzz.*\\[fuzz round \\d+: menu pick 'Crash'\\] Segmentation fault during menu "
                                   "handler \\(replay with --seed 1\\)\n    at [^\n]*crash_menu_handler.tvp \\+0x[0-9a-f]+ [\\s\\S]*CrashingMenu"},

@@ -1,4 +1,6 @@
 // TVPMDataAccessTyped.cpp: the twelve typed reads and writes, each a guarded forward to one accessor of the item's owner.
+#include <type_traits>
+
 #include "TVPMDataAccessPrivate.h"
 
 namespace {
@@ -10,13 +12,13 @@ inline TVPMData_t* Record(TVPMDataRef ref) { return static_cast<TVPMData_t*>(ref
 // or departed owner (-1) is not called and the result is 0.
 template <class R, class Accessor, class... Args>
 inline R CallOwner(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
-    StDispatchCallback scope(owner);
-    if (!scope()) return R();
-    try {
-        return accessor(refcon, args...);
-    } catch (...) {
-        // An owner's failure must not unwind through a C caller.
-        return R();
+    if constexpr (std::is_void_v<R>) {
+        TVPMCallPlugin(owner, TVPMCallSite::kDataAccessor, [&] { accessor(refcon, args...); });
+    } else {
+        R result = R();
+        TVPMCallPlugin(owner, TVPMCallSite::kDataAccessor,
+                       [&] { result = accessor(refcon, args...); });
+        return result;
     }
 }
 
