@@ -8,8 +8,9 @@
  *   [plugin-thread]  May only be called on the plugin thread: the thread on
  *                    which the simulator started the plugin manager and on
  *                    which every plugin callback runs. Not enforced: a call
- *                    from another thread is not detected and races with the
- *                    plugin thread.
+ *                    from another thread races with the plugin thread and is
+ *                    reported only when the simulator has turned on plugin
+ *                    diagnostics.
  *   [plugin-thread, checked]
  *                    As [plugin-thread], and enforced: a call from any other
  *                    thread prints a threading-violation report and aborts

@@ -95,11 +95,13 @@ inline TVPMCalled TVPMCallPlugin(TVPMPluginID id, TVPMCallSite site, F&& fn) {
     return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
 }
 
-// Calls fn with plugin id current although the plugin is already marked
-// disabled: for what a family still owes it inside its own disable path (its
-// last sound completions). Does nothing for an ID that has no record.
+// Calls fn with plugin id current whether or not it is enabled: for the
+// loader's entry points (enable runs before the plugin counts as enabled,
+// disable after), deliveries handed over while it is being enabled, and what
+// a family still owes a plugin inside its own disable path (its last sound
+// completions). Does nothing for an ID that has no record.
 template <class F>
-inline TVPMCalled TVPMCallPluginBeingDisabled(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+inline TVPMCalled TVPMCallPluginEvenIfDisabled(TVPMPluginID id, TVPMCallSite site, F&& fn) {
     StDispatchCallback scope(id);
     if (!TVPMGetPluginRecord(id)) return TVPMCalled::kNo;
     return TVPMGuardPluginCall(id, site, std::forward<F>(fn));

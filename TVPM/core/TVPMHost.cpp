@@ -5,6 +5,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDataAccessPrivate.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMLoaderLifecycle.h"
 #include "TVPMPlanesPrivate.h"
 #include "TVPMPrivate.h"
@@ -99,6 +100,7 @@ int CopyPluginInfo(TVPMPluginID id, char* outName, char* outSignature) {
 TVPM_API int TVPMInitializePlugins(const char* inSystemFolderPath, TVPMHooks* inHooks,
                                    void* inSelfDLL) {
     gPluginThread = pthread_self();
+    TVPMReadDiagnosticsSwitch();
     gSelf = inSelfDLL;
     gHooks = inHooks;
     gDirSeparator[0] = '/';

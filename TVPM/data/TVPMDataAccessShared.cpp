@@ -72,8 +72,9 @@ int GetItems(void* refcon, TVPMDataTypeID type, int itemBytes, void* out, int in
 bool Reserve(TVPMSharedDataRecord* r, int64_t bytes) {
     if (bytes <= r->size) return true;
     if (bytes > kMaxSharedDataBytes) {
-        StDispatchCallback asWriter(gClientPlugin);
-        TVPMSendError("Shared data cannot grow past 16 MB; the write was refused.");
+        TVPMCallPluginEvenIfDisabled(gClientPlugin, TVPMCallSite::kErrorCallback, [] {
+            TVPMSendError("Shared data cannot grow past 16 MB; the write was refused.");
+        });
         return false;
     }
     char* grown = static_cast<char*>(realloc(r->data, static_cast<size_t>(bytes)));

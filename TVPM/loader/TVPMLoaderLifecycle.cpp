@@ -8,6 +8,7 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDLLUtils.h"
 #include "TVPMLoader.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMLoaderNames.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
@@ -49,17 +50,15 @@ bool IsEnabled(const TVPMPluginIncarnation& p) {
 // or not it is enabled; a throw counts as the entry point doing nothing.
 template <class F>
 void CallEntryPoint(TVPMPluginID id, TVPMCallSite site, F entry) {
-    StDispatchCallback scope(id);
-    TVPMGuardPluginCall(id, site, entry);
+    TVPMCallPluginEvenIfDisabled(id, site, entry);
 }
 
 // Calls TPluginEnable with the plugin current; the plugin counts as enabled
 // during the call and afterwards only if it returned non-zero (a throw is 0).
 void CallPluginEnable(const TVPMPluginIncarnation& p, TVPMPluginEnable_f enable) {
-    StDispatchCallback scope(p.id());
     p.Get()->enabled = true;
     int agreed = 0;
-    TVPMGuardPluginCall(p.id(), TVPMCallSite::kEnable, [&] { agreed = enable(); });
+    TVPMCallPluginEvenIfDisabled(p.id(), TVPMCallSite::kEnable, [&] { agreed = enable(); });
     if (PluginRecord* r = p.Get()) r->enabled = agreed != 0;
 }
 
@@ -84,13 +83,14 @@ int EnableSteps(const TVPMPluginIncarnation& p) {
 }
 
 void DeliverPending(const TVPMPluginIncarnation& p) {
-    StDispatchCallback scope(p.id());
-    while (PluginRecord* r = p.Get()) {
-        TVPMDelivery* d = r->pending.first();
-        if (!d) break;
-        d->Unlink();
-        d->DeliverToPlugin(false);
-    }
+    TVPMCallPluginEvenIfDisabled(p.id(), TVPMCallSite::kDelivery, [&] {
+        while (PluginRecord* r = p.Get()) {
+            TVPMDelivery* d = r->pending.first();
+            if (!d) break;
+            d->Unlink();
+            d->DeliverToPlugin(false);
+        }
+    });
 }
 
 void OrphanOutstanding(PluginRecord& r) {
@@ -128,6 +128,7 @@ bool AnyAircraftPluginEnabled() {
 }  // namespace
 
 void TVPMRunCleanupHooks(TVPMPluginID id) {
+    TVPMDiagnoseLeftAtUnload(id);
     TVPMCommandCleanupHook(id);
     TVPMDisplayCleanupHook(id);
     TVPMInstanceCleanupHook(id);
@@ -210,10 +211,12 @@ bool TVPMGetUserAircraftFolder(std::string& outFolder) {
 }
 
 TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     return TVPMPluginIsEnabled(inPluginID) ? 1 : 0;
 }
 
 TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (inPluginID <= 0) return 0;  // the simulator's own record is not switchable
     const TVPMPluginIncarnation p(inPluginID);
     const PluginRecord* r = p.Get();
@@ -228,6 +231,7 @@ TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
 }
 
 TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (inPluginID <= 0) return;
     const TVPMPluginIncarnation p(inPluginID);
     if (!IsEnabled(p)) return;
@@ -247,9 +251,13 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
     }
 }
 
-TVPM_API void TVPMReloadPlugins(void) { gScheduleReload = true; }
+TVPM_API void TVPMReloadPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    gScheduleReload = true;
+}
 
 TVPM_API void TVPMReloadACFPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!gHooks || gAllPlugins.empty()) return;  // not started, or shut down
     if (TVPMLoaderBusy()) return ReportRefusedAircraftReload();
     if (s_aircraftReloadDepth >= kMaxNestedAircraftReloads) return ReportNestedAircraftReload();

@@ -43,7 +43,7 @@ FMOD_RESULT SoundEnded(FMOD_CHANNELCONTROL* control, FMOD_CHANNELCONTROL_TYPE co
 void CallCompletion(const PluginFMODSound& s) {
     auto complete = [&] { s.callback(s.callback_data, s.callback_result); };
     if (s.plugin == s_disabling)
-        TVPMCallPluginBeingDisabled(s.plugin, TVPMCallSite::kSound, complete);
+        TVPMCallPluginEvenIfDisabled(s.plugin, TVPMCallSite::kSound, complete);
     else
         TVPMCallPlugin(s.plugin, TVPMCallSite::kSound, complete);
 }
