@@ -1,22 +1,75 @@
 // TVPMDataAccessTyped.cpp: the twelve typed reads and writes, each a guarded forward to one accessor of the item's owner.
+#include <type_traits>
+
 #include "TVPMDataAccessPrivate.h"
 
 namespace {
 
 inline TVPMData_t* Record(TVPMDataRef ref) { return static_cast<TVPMData_t*>(ref); }
 
+// An owner's failure must not unwind through a C caller.
+template <class R, class Accessor, class... Args>
+inline R CallGuarded(Accessor accessor, void* refcon, Args... args) {
+    try {
+        return accessor(refcon, args...);
+    } catch (...) {
+        return R();
+    }
+}
+
+// The general path, for an owner that is disabled, gone or the simulator
+// before start-up: the dispatch scope decides.
+template <class R, class Accessor, class... Args>
+__attribute__((noinline, cold)) R CallThroughScope(TVPMPluginID owner, Accessor accessor,
+                                                   void* refcon, Args... args) {
+    StDispatchCallback scope(owner);
+    if (!scope()) return R();
+    return CallGuarded<R>(accessor, refcon, args...);
+}
+
+// What the dispatch scope keeps, in one frame: the chain link must live in
+// memory anyway, and keeping the saved plugins beside it costs fewer stores
+// than holding them in callee-saved registers.
+struct OwnerFrame {
+    TVPMCodeOnStack link;
+    TVPMPluginID dispatched, client;
+};
+
+// What the dispatch scope does for an enabled owner, written out.
+inline void EnterOwner(TVPMPluginID owner, OwnerFrame& frame) {
+    frame.dispatched = gDispatchedPlugin;
+    frame.client = gClientPlugin;
+    frame.link.below = gCodeOnStack;
+    gCodeOnStack = &frame.link;
+    gClientPlugin = frame.dispatched;
+    gDispatchedPlugin = owner;
+}
+
+inline void LeaveOwner(const OwnerFrame& frame) {
+    if (__builtin_expect(gPendingWeatherUpdate != -1, 0)) TVPMReportUnclosedWeatherUpdate();
+    gDispatchedPlugin = frame.dispatched;
+    gClientPlugin = frame.client;
+    gCodeOnStack = frame.link.below;
+}
+
 // Calls one accessor with the owner as the current plugin. No lookup, lock or
 // allocation: this runs for every item a plugin reads every frame. A disabled
 // or departed owner (-1) is not called and the result is 0.
 template <class R, class Accessor, class... Args>
 inline R CallOwner(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
-    StDispatchCallback scope(owner);
-    if (!scope()) return R();
-    try {
-        return accessor(refcon, args...);
-    } catch (...) {
-        // An owner's failure must not unwind through a C caller.
-        return R();
+    const PluginRecord* r = TVPMGetPluginRecord(owner);
+    if (__builtin_expect(!r || !r->enabled, 0))
+        return CallThroughScope<R>(owner, accessor, refcon, args...);
+    OwnerFrame frame;
+    frame.link.library = r->dllRef;
+    EnterOwner(owner, frame);
+    if constexpr (std::is_void_v<R>) {
+        CallGuarded<R>(accessor, refcon, args...);
+        LeaveOwner(frame);
+    } else {
+        const R result = CallGuarded<R>(accessor, refcon, args...);
+        LeaveOwner(frame);
+        return result;
     }
 }
 
