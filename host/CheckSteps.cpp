@@ -136,6 +136,7 @@ void CheckInThisProcess(const CheckUnit& unit, const std::string& root, const st
         return;
     }
     const bool ran = DriveLifecycle(sim, unit, pluginPath, acfPath, frames, f);
+    for (auto& held : WorldControlsStillHeld()) f.Add("warning", held);
     sim.Shutdown();
     if (ran) {
         World().ReportAliveOf(pluginPath);

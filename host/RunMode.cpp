@@ -64,6 +64,8 @@ void Fly(Simulator& sim, RunSummary& summary, const RunSetup& setup, long frames
         sim.Frame();
         // Half-way, the user tries every menu item the plugins added.
         if (f == frames / 2) World().PickPluginMenuItems();
+        // Three quarters in, the user switches views.
+        if (f == frames * 3 / 4) sim.ChangeView();
     }
     ObservePlugins(summary, false);
     if (!setup.aircraftFolder.empty()) {

@@ -79,7 +79,7 @@ int PublishAll() {
     n += !!Publish("sim/operation/misc/frame_rate_period_old", tvpmType_Float | kReplaced, 0,
                    nullptr, nullptr, [](void*) { return static_cast<float>(1.0 / World().fps); },
                    nullptr, nullptr, nullptr, nullptr);
-    return n;
+    return n + PublishTrafficItems();
 }
 
 }  // namespace

@@ -36,6 +36,7 @@ void FillLifecycleSlots(TVPMHooks& h) {
     };
     h.TVPMDebugString_f = [](const char* text) {
         if (text && gLogSink) gLogSink(text);
+        if (text) NoteWorldLogLine(text);
     };
     h.TVPMDisplayInitString_f = [](const char*) {};
     h.TVPMHandleAssertFailed_f = [](const char* condition, const char* file, int line) {
@@ -64,7 +65,7 @@ void FillAircraftSlots(TVPMHooks& h) {
         CopyOut(outFile, path);
         CopyOut(outPath, path);
     };
-    h.TVPMCountPlanes_f = [] { return World().aircraftPath.empty() ? 0 : 1; };
+    h.TVPMCountPlanes_f = [] { return AircraftSlots(); };
     h.TVPMLoadPlane_f = [](int index, const char* path, const char*) {
         if (index == 0 && path) World().aircraftPath = path;
     };

@@ -11,7 +11,6 @@ namespace tvpmhost {
 
 namespace {
 
-constexpr float kGroundElevation = 12.0f;
 constexpr float kMagneticVariation = -3.5f;
 
 void FillCameraAndInstanceSlots(TVPMHooks& h) {
@@ -49,19 +48,8 @@ void FillScenerySlots(TVPMHooks& h) {
         ++World().probesAllocated[CurrentPluginPath()];
         return World().nextProbe++;
     };
-    // Flat ground everywhere: the probe hits it right below the point.
     h.TVPMProbeY_f = [](int, float* point, float* location, float* normal, float* velocity,
-                        int* wet) {
-        if (location) {
-            location[0] = point ? point[0] : 0;
-            location[1] = kGroundElevation;
-            location[2] = point ? point[2] : 0;
-        }
-        if (normal) normal[0] = 0, normal[1] = 1, normal[2] = 0;
-        if (velocity) velocity[0] = velocity[1] = velocity[2] = 0;
-        if (wet) *wet = 0;
-        return 1;
-    };
+                        int* wet) { return ProbeTerrain(point, location, normal, velocity, wet); };
     h.TVPMLoadObject_f = [](const char* path) { return World().LoadObject(path); };
     h.TVPMLoadObjectAsync_f = [](const char* path, void (*cb)(void*, void*), void* ref) {
         if (cb) World().asyncLoads.push_back({path ? path : "", cb, ref});

@@ -144,7 +144,7 @@ void SimWorld::PickPluginMenuItems() {
 // ---- scenery -------------------------------------------------------------------
 
 void* SimWorld::LoadObject(const char* path) {
-    if (!path || !*path) return nullptr;
+    if (!ObjectFileExists(path)) return nullptr;
     void* obj = NewToken();
     objects[obj] = {"object", path, CurrentPluginPath(), true};
     return obj;
@@ -154,6 +154,10 @@ void SimWorld::CompleteAsyncLoads() {
     std::vector<AsyncLoad> due;
     due.swap(asyncLoads);
     for (auto& load : due) {
+        if (!ObjectFileExists(load.path.c_str())) {
+            load.callback(nullptr, load.refcon);
+            continue;
+        }
         void* obj = NewToken();
         // The object belongs to whoever the library hands it to.
         objects[obj] = {"object", load.path, "", true};

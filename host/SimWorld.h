@@ -112,6 +112,7 @@ public:
     std::vector<AsyncLoad> asyncLoads;  // completed at the start of the next frame
     void* LoadObject(const char* path);
     void CompleteAsyncLoads();
+    long cameraFramesByPlugin = 0;  // frames a plugin drove the camera
     std::map<int, std::string> openWeatherUpdates;  // plugin ID -> plugin path
     std::map<std::string, int> weatherWrites;
 
@@ -139,6 +140,16 @@ void FillDisplaySlots(TVPMHooks& hooks);
 void FillWorldSlots(TVPMHooks& hooks);
 void FillNavigationSlots(TVPMHooks& hooks);
 void FillCoreSlots(TVPMHooks& hooks);
+
+// Terrain, the other aircraft and the camera (SimWorldServices.cpp).
+int ProbeTerrain(const float* point, float* location, float* normal, float* velocity, int* wet);
+bool ObjectFileExists(const char* path);  // absolute, or below the simulator folder
+int AircraftSlots();                      // the user's included; 0 without an aircraft
+int PublishTrafficItems();
+void WorldServicesFrame();
+void NoteWorldLogLine(const char* text);
+// What a plugin still holds of the world's controls, as check warnings.
+std::vector<std::string> WorldControlsStillHeld();
 
 // Where the library's log goes (set by the run).
 extern std::function<void(const char*)> gLogSink;

@@ -76,6 +76,7 @@ void Simulator::Frame() {
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
     DrawGuiWindows();
     DrawMapLayers();
+    WorldServicesFrame();
     Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
     Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
     CollectTimings();

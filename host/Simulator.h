@@ -40,6 +40,8 @@ public:
     void UnloadAircraft();
     // A scenery pack folder (ending with "/").
     void RegisterScenery(const std::string& packFolder);
+    // The user picks another view: a plugin's until-the-view-changes camera ends.
+    void ChangeView();
     void Shutdown();
 
     bool started = false;

@@ -55,6 +55,10 @@ bool TVPMApi::Load(const std::string& libraryPath, std::string& error) {
     TVPM_OPTIONAL(CountHotKeys);
     TVPM_OPTIONAL(GetNthHotKey);
     TVPM_OPTIONAL(GetHotKeyInfo);
+    TVPM_OPTIONAL(CameraHook);
+    TVPM_OPTIONAL(IsCameraBeingControlled);
+    TVPM_OPTIONAL(GetNumberPlanesToHandle);
+    TVPM_OPTIONAL(UpdatePlaneNameAndPath);
 #undef TVPM_REQUIRE
 #undef TVPM_OPTIONAL
     if (!missing.empty()) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "TVPMHost.h"
+#include "TVPM/TVPMCamera.h"
 #include "TVPM/TVPMDataAccess.h"
 #include "TVPM/TVPMDisplay.h"
 #include "TVPM/TVPMPlugin.h"
@@ -47,6 +48,11 @@ struct TVPMApi {
     FnPtr<TVPMCountHotKeys> CountHotKeys = nullptr;
     FnPtr<TVPMGetNthHotKey> GetNthHotKey = nullptr;
     FnPtr<TVPMGetHotKeyInfo> GetHotKeyInfo = nullptr;
+    // optional: the world hooks (camera, the other aircraft)
+    FnPtr<TVPMCameraHook> CameraHook = nullptr;
+    FnPtr<TVPMIsCameraBeingControlled> IsCameraBeingControlled = nullptr;
+    FnPtr<TVPMGetNumberPlanesToHandle> GetNumberPlanesToHandle = nullptr;
+    FnPtr<TVPMUpdatePlaneNameAndPath> UpdatePlaneNameAndPath = nullptr;
 
     // Loads the library (RTLD_NOW | RTLD_GLOBAL, so plugins resolve against
     // it) and resolves every function. On failure error says why.

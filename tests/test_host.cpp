@@ -171,7 +171,8 @@ TEST(HostCheck, EveryBundledExamplePasses) {
     const Outcome o = RunHost("--check --frames 20 --report " + (dir / "check.json"));
     EXPECT_EQ(o.status, 0) << o.output;
     EXPECT_EQ(o.output.find("FAIL"), std::string::npos) << o.output;
-    for (const char* expected : {"PASS  Panel Clock", "PASS  Clock Listener", "PASS  Example Avionics (aircraft)"})
+    for (const char* expected : {"PASS  Panel Clock", "PASS  Clock Listener", "PASS  World Tour",
+                                 "PASS  Example Avionics (aircraft)"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
     const std::string json = Slurp(dir / "check.json");
     EXPECT_EQ(json.rfind("{\"mode\":\"check\",\"strict\":false,\"ok\":true", 0), 0u) << json;
@@ -186,6 +187,16 @@ TEST(HostCheck, APluginThatLeavesAWindowAndAHeldCommandBehindFails) {
     EXPECT_NE(o.output.find("left behind: command held 'test/broken/held' was not released by the plugin"),
               std::string::npos)
         << o.output;
+}
+
+TEST(HostCheck, APluginThatKeepsObjectsInstancesAircraftOrTheCameraFails) {
+    const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_world_leak.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    for (const char* expected :
+         {"FAIL  Broken World Leak", "left behind: object '", "left behind: instance '",
+          "left behind: AI aircraft control 'the other aircraft' was not released by the plugin",
+          "warning: the plugin still controlled the camera at shut-down"})
+        EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
 }
 
 TEST(HostCheck, ABulkWeatherUpdateLeftOpenFailsAndAKeptMapLayerIsANote) {
@@ -238,12 +249,12 @@ TEST(HostRun, SummaryShowsWhatTheExamplesRegistered) {
     const Outcome o = RunHost("--quiet");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
-         {"Plugins loaded: 4, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
+         {"Plugins loaded: 5, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
           "data items   2: tvpm/examples/panel_clock/elapsed_sec, tvpm/examples/panel_clock/window_visible",
           "commands     1: tvpm/examples/panel_clock/toggle_window", "menus        1: Panel Clock",
           "menu items   1: <Aircraft> > Toggle TCAS override", "windows      1: Panel Clock",
           "hot keys     1: Show or hide the panel clock", "flight loops 300 calls",
-          "published 10 simulator data items"})
+          "published 13 simulator data items", "commands     1: tvpm/examples/world_tour/fly_by"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
     EXPECT_NE(o.output.find("Panel Clock              flight loop                   300"), std::string::npos)
         << o.output;

@@ -166,7 +166,20 @@ TEST(Symbols, OnlyInterfaceFunctionsAreExported) {
           "TVPMMapExists", "TVPMDrawMapIconFromSheet", "TVPMDrawMapLabel", "TVPMMapProject",
           "TVPMMapUnproject", "TVPMMapScaleMeter", "TVPMMapGetNorthHeading",
           "TVPMGetFirstNavAid", "TVPMGetGPSDestination", "TVPMSetGraphicsState",
-          "TVPMMeasureString"})
+          "TVPMMeasureString", "TVPMFindPluginForIP"})
+        EXPECT_EQ(exported.count(name), 1u) << name;
+    // The world services: probes and objects, instances, aircraft, camera.
+    for (const char* name :
+         {"TVPMCreateProbe", "TVPMDestroyProbe", "TVPMProbeTerrainXYZ", "TVPMGetMagneticVariation",
+          "TVPMDegTrueToDegMagnetic", "TVPMDegMagneticToDegTrue", "TVPMLoadObject",
+          "TVPMLoadObjectAsync", "TVPMDrawObjects", "TVPMUnloadObject", "TVPMLookupObjects",
+          "TVPMCreateInstance", "TVPMDestroyInstance", "TVPMInstanceSetPosition",
+          "TVPMInstanceSetPositionDouble", "TVPMInstanceSetAutoShift", "TVPMSetUsersAircraft",
+          "TVPMPlaceUserAtAirport", "TVPMPlaceUserAtLocation", "TVPMCountAircraft",
+          "TVPMGetNthAircraftModel", "TVPMAcquirePlanes", "TVPMReleasePlanes",
+          "TVPMSetActiveAircraftCount", "TVPMSetAircraftModel", "TVPMDisableAIForPlane",
+          "TVPMDrawAircraft", "TVPMReinitUsersPlane", "TVPMControlCamera", "TVPMDontControlCamera",
+          "TVPMIsCameraBeingControlled", "TVPMReadCameraPosition"})
         EXPECT_EQ(exported.count(name), 1u) << name;
     for (const char* internal : {"__TVPMValidateThreadSafety", "gHooks", "gAllPlugins",
                                  "gDispatchedPlugin", "TVPMSendError", "TVPMHasFeatureInternal"})

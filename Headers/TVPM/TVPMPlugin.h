@@ -42,6 +42,11 @@ TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* inSignature);
  * buffers [caller-buffer]; an invalid ID leaves every buffer untouched. */
 TVPM_API void TVPMGetPluginInfo(TVPMPluginID inPlugin, char* outName, char* outFilePath,
                                 char* outSignature, char* outDescription);
+/* The name of the plugin whose library holds the code address ip
+ * ([static-text] until that plugin is unloaded), storing its ID in out_id
+ * when not null; null, out_id untouched, for TVPM's own code, the
+ * simulator's and any other address. Plugin thread. */
+TVPM_API const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id);
 
 /* ---- Enabling and reloading -------------------------------------------- */
 

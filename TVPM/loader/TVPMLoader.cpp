@@ -100,7 +100,8 @@ TVPMPluginID TVPMPluginFromDLL(void* dll) {
     return TVPM_NO_PLUGIN_ID;
 }
 
-const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
+TVPM_API const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMPluginID id = TVPMPluginFromDLL(TVPMGetDLLForInstruction(ip));
     const PluginRecord* r = TVPMGetPluginRecord(id);
     if (!r) return nullptr;

@@ -6,5 +6,5 @@
 int TVPMHasFeatureInternal(TVPMPluginID id, int index);
 // The plugin whose library handle is dll, or -1.
 TVPMPluginID TVPMPluginFromDLL(void* dll);
-// The name of the plugin whose library holds ip (and its ID in out_id), or null.
-const char* TVPMFindPluginForIP(void* ip, TVPMPluginID* out_id);
+// TVPMFindPluginForIP, which names the plugin whose library holds a code
+// address, is exported: TVPM/TVPMPlugin.h.

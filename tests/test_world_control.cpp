@@ -1,0 +1,242 @@
+// test_world_control.cpp: AI-aircraft control passed between plugins through its queue, the user-aircraft operations, and camera control with its releases.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "FakeHost.h"
+#include "Harness.h"
+#include "PluginContext.h"
+#include "SimTest.h"
+#include "TVPM/TVPMCamera.h"
+#include "TVPM/TVPMDataAccess.h"
+#include "TVPM/TVPMPlanes.h"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPMHost.h"
+
+using namespace tvpmtest;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Integer items of the simulator, as the ATC plugin publishes them here.
+std::map<std::string, int>& Items() {
+    static std::map<std::string, int> items;
+    return items;
+}
+int ReadItem(void* name) { return Items()[static_cast<const char*>(name)]; }
+void WriteItem(void* name, int v) { Items()[static_cast<const char*>(name)] = v; }
+
+// Callback and camera journal: "<what>@<current plugin>".
+Lines& Heard() {
+    static Lines heard;
+    return heard;
+}
+void PlanesFree(void* who) { Heard().push_back(std::string(static_cast<const char*>(who)) + "@" + std::to_string(TVPMGetMyID())); }
+
+class WorldControl : public SimTest {
+protected:
+    TVPMPluginID alpha = -1, beta = -1;
+
+    void SetUp() override {
+        AddScripted({"alpha.tvp", "atc.tvp", "beta.tvp"});
+        Heard().clear();
+        Items().clear();
+        host.On<&TVPMHooks::TVPMCountPlanes_f>([] { return 20; });
+        ASSERT_EQ(host.Start(sim.Root()), 23);
+        alpha = IdOf("alpha.tvp");
+        beta = IdOf("beta.tvp");
+        static const char* const names[] = {"sim/operation/override/override_TCAS",
+                                            "sim/private/net_disables/ai_loc[1]",
+                                            "sim/private/net_disables/ai_loc[2]",
+                                            "sim/private/net_disables/ai_loc[3]"};
+        RunAs("atc.tvp", [] {
+            for (const char* n : names) {
+                TVPMRegisterDataAccessor(n, tvpmType_Int, 1, ReadItem, WriteItem, nullptr, nullptr,
+                                         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr, const_cast<char*>(n), const_cast<char*>(n));
+                Items()[n] = 1;
+            }
+        });
+    }
+    int Acquire(const std::string& key, char** models = nullptr) {
+        return RunAs<int>(key, [=] { return TVPMAcquirePlanes(models, PlanesFree, const_cast<char*>("free")); });
+    }
+    TVPMPluginID Controller() {
+        TVPMPluginID id = -7;
+        TVPMCountAircraft(nullptr, nullptr, &id);
+        return id;
+    }
+};
+
+TEST_F(WorldControl, WaitingPluginsAreCalledBackWhenTheHolderReleases) {
+    char m0[] = "", m1[] = "Aircraft/A/a.acf";
+    char* models[] = {m0, m1, nullptr};
+    EXPECT_EQ(Acquire("alpha.tvp", models), 1);
+    EXPECT_EQ(Acquire("alpha.tvp"), 1);  // already held: nothing changes
+    EXPECT_EQ(TVPMGetNumberPlanesToHandle(4, 0), 4);
+    char path[512] = "host choice";
+    TVPMUpdatePlaneNameAndPath(1, nullptr, path);
+    EXPECT_STREQ(path, "Aircraft/A/a.acf");
+    EXPECT_EQ(Acquire("beta.tvp"), 0);
+    EXPECT_EQ(Acquire("beta.tvp"), 0);  // queued twice
+    EXPECT_EQ(JournalOf("alpha.tvp:message 111"), (Lines{"alpha.tvp:message 111 from " + std::to_string(beta),
+                                                         "alpha.tvp:message 111 from " + std::to_string(beta)}));
+    char name[256] = "";
+    EXPECT_EQ(TVPMGetTrafficControlPluginInfo(name, nullptr), alpha);
+    EXPECT_STREQ(name, "alpha.tvp");
+    RunAs("beta.tvp", [] {  // not the holder: all ignored
+        TVPMReleasePlanes();
+        TVPMSetActiveAircraftCount(1);
+        TVPMReinitUsersPlane();
+        TVPMDrawAircraft(1, 0, 0, 0, 0, 0, 0, 1, nullptr);
+    });
+    EXPECT_EQ(Controller(), alpha);
+    EXPECT_EQ(host.Count("TVPMReinitFlight_f") + host.Count("TVPMDrawPlane_f"), 0u);
+    const std::string logBefore = host.Log();
+    RunAs("alpha.tvp", [] { TVPMReleasePlanes(); });
+    EXPECT_EQ(host.Log().substr(logBefore.size()), "The plugin alpha.tvp is releasing control of AI aircraft.\n");
+    EXPECT_EQ(Heard(), (Lines{"free@" + std::to_string(beta), "free@" + std::to_string(beta)}));
+    EXPECT_EQ(Items(), (std::map<std::string, int>{{"sim/operation/override/override_TCAS", 0},
+                                                    {"sim/private/net_disables/ai_loc[1]", 0},
+                                                    {"sim/private/net_disables/ai_loc[2]", 0},
+                                                    {"sim/private/net_disables/ai_loc[3]", 0}}));
+    EXPECT_EQ(Controller(), -1);
+    EXPECT_EQ(Acquire("beta.tvp"), 1);
+    EXPECT_EQ(host.Log().find("acquiring"), std::string::npos);
+}
+
+TEST_F(WorldControl, TheHoldersLimitAndModelsReachTheSimulator) {
+    struct Case {
+        int limit, slots, loading, expectedSlots, expectedActive;
+    } cases[] = {{3, 20, 0, 3, 3}, {3, 20, 1, 20, 3}, {30, 20, 0, 20, 20}, {-1, 20, 0, 20, 20}};
+    Acquire("alpha.tvp");
+    for (const Case& c : cases) {
+        RunAs("alpha.tvp", [&] { TVPMSetActiveAircraftCount(c.limit); });
+        EXPECT_EQ(TVPMGetNumberPlanesToHandle(c.slots, c.loading), c.expectedSlots) << c.limit;
+        int total = 0, active = 0;
+        TVPMCountAircraft(&total, &active, nullptr);
+        EXPECT_EQ(total, 20);
+        EXPECT_EQ(active, c.expectedActive) << c.limit;
+    }
+    RunAs("alpha.tvp", [] {
+        TVPMSetAircraftModel(3, "Aircraft/C/c.acf");   // a slot the simulator has: loaded now
+        TVPMSetAircraftModel(40, "Aircraft/D/d.acf");  // kept for later
+        TVPMReinitUsersPlane();
+        TVPMDrawAircraft(2, 1, 2, 3, 4, 5, 6, 1, nullptr);
+    });
+    EXPECT_EQ(host.CallsTo("TVPMLoadPlane_f").at(0).args, (Lines{"3", "\"Aircraft/C/c.acf\"", "\"Aircraft/C/c.acf\""}));
+    EXPECT_EQ(host.Count("TVPMLoadPlane_f"), 1u);
+    EXPECT_EQ(host.CallsTo("TVPMReinitFlight_f").at(0).args, (Lines{"208", "201"}));
+    EXPECT_EQ(host.CallsTo("TVPMDrawPlane_f").at(0).args[6], "6");
+    char path[512] = "untouched";
+    TVPMUpdatePlaneNameAndPath(0, nullptr, path);  // the user's slot is never replaced
+    TVPMUpdatePlaneNameAndPath(2, nullptr, path);  // nothing chosen
+    EXPECT_STREQ(path, "untouched");
+}
+
+TEST_F(WorldControl, UserAircraftOperationsKeepTheSimulatorsConventions) {
+    struct Case {
+        const char* path;
+        const char* name;
+    } cases[] = {{"Aircraft/Jet/jet.acf", "jet.acf"}, {"plane.acf", "lane.acf"}, {"/x", "x"}};
+    for (const Case& c : cases) {
+        host.ClearCalls();
+        RunAs("beta.tvp", [&] { TVPMSetUsersAircraft(c.path); });
+        EXPECT_EQ(host.CallsTo("TVPMLoadPlane_f").at(0).args,
+                  (Lines{"0", "\"" + std::string(c.path) + "\"", "\"" + std::string(c.name) + "\""}));
+    }
+    host.On<&TVPMHooks::TVPMGetPlaneName_f>([](int, char* path, char* file) {
+        strcpy(path, "Aircraft/Jet/jet.acf");
+        strcpy(file, "jet.acf");
+    });
+    char file[256] = "", path[512] = "";
+    RunAs("beta.tvp", [&] {
+        TVPMGetNthAircraftModel(0, file, path);
+        TVPMGetNthAircraftModel(0, nullptr, nullptr);
+        TVPMDisableAIForPlane(2);
+        TVPMPlaceUserAtAirport("KSEA");
+        TVPMPlaceUserAtLocation(47.5, -122.3, 1000, 90, 100);
+    });
+    EXPECT_STREQ(file, "jet.acf");
+    EXPECT_STREQ(path, "Aircraft/Jet/jet.acf");
+    EXPECT_EQ(Items()["sim/private/net_disables/ai_loc[2]"], 1);
+    EXPECT_EQ(host.CallsTo("TVPMLoadAirport_f").at(0).args, (Lines{"\"KSEA\""}));
+    EXPECT_EQ(host.CallsTo("TVPMInitAtLocation_f").at(0).args, (Lines{"47.5", "-122.3", "1000", "90", "100"}));
+}
+
+TEST_F(WorldControl, ControlEndsWithTheHoldersDisableAndDisabledPluginsAreNotCalledBack) {
+    Acquire("alpha.tvp");
+    Acquire("beta.tvp");
+    TVPMDisablePlugin(alpha);
+    EXPECT_EQ(Heard(), (Lines{"free@" + std::to_string(beta)}));
+    EXPECT_EQ(Controller(), -1);
+    TVPMEnablePlugin(alpha);
+    Acquire("beta.tvp");
+    Acquire("alpha.tvp");  // alpha waits
+    host.Shutdown();       // alpha is disabled before beta releases: it is not called
+    EXPECT_EQ(Heard(), (Lines{"free@" + std::to_string(beta)}));
+    EXPECT_EQ(TVPMGetTrafficControlPluginInfo(nullptr, nullptr), -1);
+}
+
+// ---- camera --------------------------------------------------------------------
+
+struct CameraScript {
+    int keep = 1;       // the answer while in control
+    bool disableSelf = false;
+};
+
+int Steer(TVPMCameraPosition_t* pos, int losing, void* ref) {
+    auto* s = static_cast<CameraScript*>(ref);
+    Heard().push_back((pos ? "frame" : "null") + std::string(losing ? " losing" : "") + "@" +
+                      std::to_string(TVPMGetMyID()));
+    if (pos) pos->x += 100;
+    if (s->disableSelf && pos) TVPMDisablePlugin(TVPMGetMyID());
+    return s->keep;
+}
+
+TEST_F(WorldControl, TheCameraControllerIsCalledEachFrameAndToldOnceWhenItLosesControl) {
+    struct Case {
+        const char* what;
+        TVPMCameraControlDuration duration;
+        CameraScript script;
+        bool viewChange, disable, dontControl;
+        Lines heard;
+        int hookResult;
+        float x;
+        int controlledAfter;
+    } cases[] = {
+        {"kept", tvpm_ControlCameraForever, {}, false, false, false, {"frame@1", "null losing@1"}, 0, 101, 1},
+        {"given up", tvpm_ControlCameraForever, {0, false}, false, false, false, {"frame@1"}, 1, 1, 0},
+        {"view change ends until-change", tvpm_ControlCameraUntilViewChanges, {}, true, false, false,
+         {"null losing@1"}, 1, 1, 0},
+        {"view change keeps forever", tvpm_ControlCameraForever, {}, true, false, false,
+         {"frame@1", "null losing@1"}, 0, 101, 1},
+        {"disable ends forever", tvpm_ControlCameraForever, {}, false, true, false, {"null losing@1"}, 1, 1, 0},
+        {"released without a call", tvpm_ControlCameraForever, {}, false, false, true, {}, 1, 1, 0},
+        {"controller disables itself", tvpm_ControlCameraForever, {1, true}, false, false, false,
+         {"frame@1", "null losing@1"}, 1, 1, 0},
+    };
+    for (Case& c : cases) {
+        Heard().clear();
+        TVPMEnablePlugin(alpha);
+        RunAs("alpha.tvp", [&] { TVPMControlCamera(c.duration, Steer, &c.script); });
+        if (c.viewChange) TVPMEventHook(tvpm_CameraChangedHook, 0, 0, 0, 0);
+        if (c.disable) TVPMDisablePlugin(alpha);
+        if (c.dontControl) RunAs("beta.tvp", [] { TVPMDontControlCamera(); });
+        float x = 1, y = 2, z = 3, pitch = 0, heading = 0, roll = 0, zoom = 1;
+        EXPECT_EQ(TVPMCameraHook(&x, &y, &z, &pitch, &heading, &roll, &zoom), c.hookResult) << c.what;
+        EXPECT_EQ(x, c.x) << c.what;
+        TVPMCameraControlDuration d = -1;
+        EXPECT_EQ(TVPMIsCameraBeingControlled(&d), c.controlledAfter) << c.what;
+        EXPECT_EQ(d, c.controlledAfter ? c.duration : -1) << c.what;
+        // Disabling releases what is still held; a released controller hears nothing more.
+        TVPMDisablePlugin(alpha);
+        TVPMCameraHook(&x, &y, &z, &pitch, &heading, &roll, &zoom);
+        EXPECT_EQ(Heard(), c.heard) << c.what;
+    }
+}
+
+}  // namespace
