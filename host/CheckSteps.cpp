@@ -8,6 +8,7 @@
 
 #include "CheckMode.h"
 #include "SimServices.h"
+#include "SimSound.h"
 #include "SimWorld.h"
 #include "Simulator.h"
 #include "TVPMApi.h"
@@ -145,6 +146,7 @@ void CheckInThisProcess(const CheckUnit& unit, const std::string& root, const st
     ReportLeftBehind(pluginPath, f);
     AuditWorldServices(pluginPath, sim.log.pluginWarnings,
                        [&f](const char* kind, const std::string& text) { f.Add(kind, text); });
+    for (auto& s : SoundLeftovers()) f.Add("problem", "left behind: " + s);
     ReportLog(sim, f);
     ReportTimings(sim, pluginPath, f);
     for (auto& [path, n] : World().probesAllocated)

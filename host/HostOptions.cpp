@@ -35,6 +35,7 @@ void PrintHelp() {
         "  --log FILE          write TVPM's log to FILE\n"
         "  --report FILE.json  write the summary as JSON\n"
         "  --quiet             print only the summary, not the log\n"
+        "  --audio-out DIR     write what each sound bus played, mixed, as DIR/<bus>.wav\n"
         "  --check             validate each plugin: start, enable, disable, re-enable,\n"
         "                      reload, aircraft load and unload, shut-down\n"
         "  --strict            with --check: warnings fail too\n"
@@ -65,13 +66,14 @@ bool ParseOptions(int argc, char** argv, HostOptions& out, std::string& error) {
         } else if (arg == "--strict") {
             out.strict = true;
         } else if (arg == "--root" || arg == "--aircraft" || arg == "--log" || arg == "--report" ||
-                   arg == "--library") {
+                   arg == "--library" || arg == "--audio-out") {
             if (!value(v)) return false;
             if (arg == "--root") out.root = v;
             if (arg == "--aircraft") out.aircraft = v;
             if (arg == "--log") out.logFile = v;
             if (arg == "--report") out.reportFile = v;
             if (arg == "--library") out.library = v;
+            if (arg == "--audio-out") out.audioOut = v;
         } else if (arg == "--plugin" || arg == "--scenery") {
             if (!value(v)) return false;
             (arg == "--plugin" ? out.plugins : out.sceneries).push_back(v);

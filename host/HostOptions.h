@@ -15,6 +15,7 @@ struct HostOptions {
     long frames = -1;      // -1: 300 for a run, 60 per step for a check
     double fps = 60;
     std::string logFile, reportFile;
+    std::string audioOut;  // folder for one WAV per bus; "" = none
     bool quiet = false, check = false, strict = false, help = false;
 };
 

@@ -59,6 +59,7 @@ void PrintProblems(const RunSummary& s) {
     block("Alerts", s.alerts);
     block("Left behind at unload", left);
     block("TVPM assertion failures", s.assertions);
+    block("Sound left in the engine after unload", s.soundLeftovers);
 }
 
 std::string TimingsJson(const PluginSummary& p) {
@@ -122,6 +123,10 @@ void PrintSummary(const RunSummary& s) {
         printf("      %-12s %s\n", "file", p.path.c_str());
         PrintRegistrations(p);
     }
+    if (!s.sound.empty()) {
+        printf("\nSound per plugin channel group\n");
+        for (auto& line : s.sound) printf("  %s\n", line.c_str());
+    }
     PrintTimings(s);
     PrintProblems(s);
     printf("\n%s\n", s.Ok() ? "Result: OK" : "Result: FAILED");
@@ -151,7 +156,8 @@ bool WriteJsonReport(const RunSummary& s, const std::string& file, std::string& 
         << ",\"startError\":" << JsonString(s.startError) << ",\"plugins\":" << raw(plugins)
         << ",\"failed\":" << raw(failed) << ",\"loaderWarnings\":" << JsonList(s.loaderWarnings)
         << ",\"pluginWarnings\":" << JsonList(s.pluginWarnings) << ",\"alerts\":" << JsonList(s.alerts)
-        << ",\"leftBehind\":" << raw(left) << ",\"assertions\":" << JsonList(s.assertions) << "}\n";
+        << ",\"leftBehind\":" << raw(left) << ",\"assertions\":" << JsonList(s.assertions)
+        << ",\"sound\":" << JsonList(s.sound) << ",\"soundLeftovers\":" << JsonList(s.soundLeftovers) << "}\n";
     return static_cast<bool>(out);
 }
 

@@ -31,9 +31,12 @@ struct RunSummary {
     std::vector<LoaderFailure> failed;
     std::vector<std::string> loaderWarnings, pluginWarnings, alerts, assertions;
     std::vector<LeftBehind> leftBehind;
+    std::vector<std::string> sound, soundLeftovers;  // per plugin group; after unload
     int hostDataItems = 0;
 
-    bool Ok() const { return startError.empty() && failed.empty() && assertions.empty(); }
+    bool Ok() const {
+        return startError.empty() && failed.empty() && assertions.empty() && soundLeftovers.empty();
+    }
 };
 
 // Looks at the plugin table and at what the loaded plugins registered

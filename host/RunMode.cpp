@@ -4,6 +4,7 @@
 #include "Modes.h"
 #include "Report.h"
 #include "SimLayout.h"
+#include "SimSound.h"
 #include "Simulator.h"
 #include "TVPMApi.h"
 
@@ -106,7 +107,13 @@ int RunHost(const HostOptions& o) {
     else
         Fly(sim, summary, setup, summary.frames);
     CompleteSummary(summary, sim);
+    summary.sound = SoundSummary();
+    summary.soundLeftovers = SoundLeftovers();
     PrintSummary(summary);
+    if (!o.audioOut.empty()) {
+        for (auto& file : WriteBusWavs(o.audioOut, error)) printf("wrote %s\n", file.c_str());
+        if (!error.empty()) fprintf(stderr, "tvpm-host: %s\n", error.c_str());
+    }
     if (logFile) fclose(logFile);
     if (!o.reportFile.empty() && !WriteJsonReport(summary, o.reportFile, error)) {
         fprintf(stderr, "tvpm-host: %s\n", error.c_str());

@@ -123,7 +123,7 @@ void FillCoreSlots(TVPMHooks& h) {
 }
 
 int EmptySlot(const TVPMHooks& h) {
-    // The slots follow the two leading ints; FMOD's three stay empty on purpose.
+    // The slots follow the two leading ints; FMOD's three may stay empty.
     constexpr int kSlots = 164, kFirstFMOD = 154, kLastFMOD = 156;
     using Slot = void (*)();
     Slot slots[kSlots];
@@ -141,7 +141,7 @@ void FillHooks(TVPMHooks& h) {
     FillDisplaySlots(h);
     FillWorldSlots(h);
     FillNavigationSlots(h);
-    // FMOD slots stay null: a headless simulator has no sound system.
+    FillSoundSlots(h);
 }
 
 }  // namespace tvpmhost

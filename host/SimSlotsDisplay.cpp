@@ -1,4 +1,4 @@
-// SimSlotsDisplay.cpp: the simulator's display slots: screen, graphics, GUI windows, avionics devices and map layers.
+// SimSlotsDisplay.cpp: the simulator's display slots: screen, graphics, GUI windows and map layers (avionics devices: SimAvionics.cpp).
 #include <cstring>
 #include <string>
 
@@ -126,39 +126,6 @@ void FillWindowSlots(TVPMHooks& h) {
         if (hgt) *hgt = 0;
     };
     h.TVPMSetWindowVrSize_f = [](TVPMWindowID, int, int) {};
-}
-
-void FillAvionicsSlots(TVPMHooks& h) {
-    h.TVPMCreateAvionics_f = [](const TVPMCreateAvionics_t*) -> void* {
-        void* display = World().NewToken();
-        World().avionics[display] = {"avionics device", "", CurrentPluginPath(), true};
-        return display;
-    };
-    h.TVPMDestroyAvionics_f = [](void* display) {
-        auto it = World().avionics.find(display);
-        if (it == World().avionics.end() || !it->second.alive) return;
-        World().Released("avionics device", it->second.name, it->second.owner);
-        it->second.alive = false;
-    };
-    h.TVPMIsAvionicsBound_f = [](int, void*) { return 1; };
-    h.TVPMSetAvionicsBrightness_f = [](int, void*, float) {};
-    h.TVPMGetAvionicsBrightness_f = [](int, void*) { return 1.0f; };
-    h.TVPMGetAvionicsBusVolts_f = [](int, void*) { return 28.0f; };
-    h.TVPMSetAvionicsPopupVisible_f = [](int, void*, int) {};
-    h.TVPMIsAvionicsPopupVisible_f = [](int, void*) { return 0; };
-    h.TVPMPopOutAvionics_f = [](int, void*) {};
-    h.TVPMIsAvionicsPoppedOut_f = [](int, void*) { return 0; };
-    h.TVPMIsMouseOverAvionics_f = [](int, void*, int*, int*) { return 0; };
-    h.TVPMAvionicsNeedsDrawing_f = [](int, void*) {};
-    h.TVPMTakeAvionicsKeyboardFocus_f = [](int, void*) {};
-    h.TVPMHasAvionicsKeyboardFocus_f = [](int, void*) { return 0; };
-    auto noBounds = [](int, void*, int* lbrt) {
-        if (lbrt) lbrt[0] = lbrt[1] = lbrt[2] = lbrt[3] = 0;
-    };
-    h.TVPMGetAvionicsWindowBounds_f = noBounds;
-    h.TVPMSetAvionicsWindowBounds_f = [](int, void*, int*) {};
-    h.TVPMGetAvionicsWindowBoundsOS_f = noBounds;
-    h.TVPMSetAvionicsWindowBoundsOS_f = [](int, void*, int*) {};
 }
 
 void FillMapSlots(TVPMHooks& h) {

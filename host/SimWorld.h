@@ -131,15 +131,19 @@ public:
 
 SimWorld& World();
 
-// Fills all slots of the hook table with the headless simulator (FMOD slots
-// stay null: there is no sound system).
+// Fills all slots of the hook table with the headless simulator.
 void FillHooks(TVPMHooks& hooks);
 // The number (1-164) of a slot left empty that should not be, or 0.
 int EmptySlot(const TVPMHooks& hooks);
 void FillDisplaySlots(TVPMHooks& hooks);
+void FillAvionicsSlots(TVPMHooks& hooks);
+// Draws every avionics device and, now and then, gives it the pilot's input.
+void RunAvionicsFrame(long frame);
 void FillWorldSlots(TVPMHooks& hooks);
 void FillNavigationSlots(TVPMHooks& hooks);
 void FillCoreSlots(TVPMHooks& hooks);
+// The sound slots hand out the stand-in engine's systems and buses (SimSound.h).
+void FillSoundSlots(TVPMHooks& hooks);
 
 // Terrain, the other aircraft and the camera (SimWorldServices.cpp).
 int ProbeTerrain(const float* point, float* location, float* normal, float* velocity, int* wet);

@@ -2,6 +2,7 @@
 #include "Simulator.h"
 
 #include "SimServices.h"
+#include "SimSound.h"
 #include "SimWorld.h"
 #include "TVPMApi.h"
 
@@ -71,9 +72,11 @@ void Simulator::Frame() {
     ++w.frame;
     w.CompleteAsyncLoads();
     const float now = w.ElapsedTime();
+    AdvanceSound(1.0 / w.fps);
     Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
     for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
         if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    RunAvionicsFrame(w.frame);
     DrawGuiWindows();
     DrawMapLayers();
     WorldServicesFrame();

@@ -199,6 +199,15 @@ TEST(HostCheck, APluginThatKeepsObjectsInstancesAircraftOrTheCameraFails) {
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
 }
 
+TEST(HostCheck, APluginThatLeavesAnAvionicsDeviceBehindFails) {
+    const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_avionics_leak.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    EXPECT_NE(o.output.find("left behind: avionics device 'Forgotten display' was not released by the plugin"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(o.output.find("slowest: avionics drawing"), std::string::npos) << o.output;
+}
+
 TEST(HostCheck, ABulkWeatherUpdateLeftOpenFailsAndAKeptMapLayerIsANote) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_weather.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
@@ -249,7 +258,7 @@ TEST(HostRun, SummaryShowsWhatTheExamplesRegistered) {
     const Outcome o = RunHost("--quiet");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
-         {"Plugins loaded: 5, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
+         {"Plugins loaded: 6, failed: 0", "Example Avionics         tvpm.examples.example_avionics  (aircraft)",
           "data items   2: tvpm/examples/panel_clock/elapsed_sec, tvpm/examples/panel_clock/window_visible",
           "commands     1: tvpm/examples/panel_clock/toggle_window", "menus        1: Panel Clock",
           "menu items   1: <Aircraft> > Toggle TCAS override", "windows      1: Panel Clock",
@@ -321,7 +330,9 @@ TEST(HostRun, TheExamplesSeeACoherentSimulatedWorld) {
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* expected :
          {"Clock Listener: tick 2, panel clock at 2.00 s, airspeed 82.0 kt", "Example Avionics: started in a TVX1",
-          "Example Avionics: rotate speed reached", "Clock Listener: the user's aircraft was loaded",
+          "Example Avionics: rotate speed reached",
+          "Example Avionics: timer drawn 300 times, 10 touches, 10 keys; display overlay drawn 300 times",
+          "Clock Listener: the user's aircraft was loaded",
           "Clock Listener: the user's aircraft was unloaded",
           "Panel Clock: stopped after 2.5 s, window drawn 151 times"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
@@ -386,4 +397,35 @@ TEST(HostCheck, JsonReportCarriesEachPluginsProblems) {
     EXPECT_NE(json.find("\"ok\":false"), std::string::npos) << json;
     EXPECT_NE(json.find("\"name\":\"Broken Leak\""), std::string::npos) << json;
     EXPECT_NE(json.find("\"passed\":false,\"problems\":[\"left behind: "), std::string::npos) << json;
+}
+
+TEST(HostRun, AudioOutWritesWhatEachBusPlayedAsAWavFile) {
+    TempDir dir;
+    const Outcome o = RunHost("--quiet --audio-out " + dir.Path());
+    EXPECT_EQ(o.status, 0) << o.output;
+    EXPECT_NE(o.output.find("Tone Player - UI: 1 sound, 1.00 s played, 1 completion delivered"),
+              std::string::npos)
+        << o.output;
+    if (system("sox --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "sox is not installed";
+    auto soxInfo = [&](const char* flag) {
+        FILE* p = popen(("sox --i " + std::string(flag) + " '" + (dir / "UI.wav") + "'").c_str(), "r");
+        char line[64] = {};
+        if (p && !fgets(line, sizeof line, p)) line[0] = 0;
+        if (p) pclose(p);
+        return std::string(line);
+    };
+    EXPECT_EQ(soxInfo("-r"), "22050\n");
+    EXPECT_EQ(soxInfo("-s"), "22050\n");  // samples: one second
+    EXPECT_EQ(soxInfo("-c"), "1\n");
+}
+
+TEST(HostCheck, APluginThatLeavesSoundInTheEngineFails) {
+    const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_sound_leak.tvp"));
+    EXPECT_EQ(o.status, 1) << o.output;
+    EXPECT_NE(o.output.find("sound(s) still playing in channel group 'own group' after unload"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(o.output.find("left behind: channel group 'own group' was not released after unload"),
+              std::string::npos)
+        << o.output;
 }

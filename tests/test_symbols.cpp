@@ -166,7 +166,9 @@ TEST(Symbols, OnlyInterfaceFunctionsAreExported) {
           "TVPMMapExists", "TVPMDrawMapIconFromSheet", "TVPMDrawMapLabel", "TVPMMapProject",
           "TVPMMapUnproject", "TVPMMapScaleMeter", "TVPMMapGetNorthHeading",
           "TVPMGetFirstNavAid", "TVPMGetGPSDestination", "TVPMSetGraphicsState",
-          "TVPMMeasureString", "TVPMFindPluginForIP"})
+          "TVPMMeasureString", "TVPMFindPluginForIP", "TVPMRegisterAvionicsCallbacksEx",
+          "TVPMCreateAvionicsEx", "TVPMGetAvionicsHandle", "TVPMDestroyAvionics",
+          "TVPMSetAvionicsGeometryOS"})
         EXPECT_EQ(exported.count(name), 1u) << name;
     // The world services: probes and objects, instances, aircraft, camera.
     for (const char* name :
@@ -197,5 +199,15 @@ TEST(Symbols, AHostCanOpenTheLibraryAndFindItsHooks) {
         EXPECT_NE(dlsym(lib, name), nullptr) << name;
     EXPECT_EQ(dlsym(lib, "__TVPMValidateThreadSafety"), nullptr);
     EXPECT_EQ(dlsym(lib, "gHooks"), nullptr);
+    dlclose(lib);
+}
+
+TEST(Symbols, TheSoundFunctionsAreExported) {
+    void* lib = dlopen(LibraryPath().c_str(), RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(lib, nullptr);
+    for (const char* name : {"TVPMPlayPCMOnBus", "TVPMStopAudio", "TVPMSetAudioPosition",
+                             "TVPMSetAudioFadeDistance", "TVPMSetAudioVolume", "TVPMSetAudioPitch",
+                             "TVPMSetAudioCone", "TVPMGetFMODChannelGroup", "TVPMGetFMODStudio"})
+        EXPECT_NE(dlsym(lib, name), nullptr) << name;
     dlclose(lib);
 }

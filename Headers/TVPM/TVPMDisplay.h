@@ -261,4 +261,194 @@ TVPM_API void TVPMSetHotKeyCombination(TVPMHotKeyID inHotKey, char inVirtualKey,
 }
 #endif
 
+/* ==== Avionics devices ======================================================
+ *
+ * A plugin either customises one of the simulator's built-in glass-cockpit
+ * devices (draws before or after the simulator draws its screen, takes its
+ * bezel and screen mouse input and its keys) or creates a whole new device
+ * that the simulator shows in the cockpit or in a pop-up window.
+ *
+ * Every function here is [plugin-thread]. Callbacks are called only while
+ * their plugin is enabled, on the plugin thread and with their plugin as the
+ * [current plugin]; they may register, unregister or destroy any device,
+ * themselves included. Drawing callbacks are timed as avionics drawing.
+ *
+ * When several registrations serve the same device, the newest is asked
+ * first and:
+ *   - before-screen callbacks all run, and their results combine by AND: any
+ *     0 suppresses the simulator's own screen;
+ *   - bezel, screen and after-screen drawing callbacks all run;
+ *   - mouse, scroll and key input stops at the first callback that consumes
+ *     it (returns non-zero); the cursor at the first one that answers other
+ *     than tvpm_CursorDefault; the brightness at the first brightness
+ *     callback.
+ * A created device is served by its own registration only.
+ */
+
+#include <stddef.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* One of the simulator's built-in devices (its numbers are the simulator's). */
+typedef int TVPMDeviceID;
+
+/* A customisation or a created device [handle]. */
+typedef void* TVPMAvionicsID;
+
+/* Before (inIsBefore 1) or after (0) the simulator draws the device's screen.
+ * A before callback returns 1 to let the simulator draw, 0 to suppress it;
+ * an after callback's result is ignored. */
+typedef int (*TVPMAvionicsCallback_f)(TVPMDeviceID inDeviceID, int inIsBefore, void* inRefcon);
+/* Draws a created device's screen. */
+typedef void (*TVPMAvionicsScreenCallback_f)(void* inRefcon);
+/* Draws a created device's bezel, lit by the cockpit's ambient colour. */
+typedef void (*TVPMAvionicsBezelCallback_f)(float inAmbientR, float inAmbientG, float inAmbientB,
+                                            void* inRefcon);
+/* A click on the bezel or a touch on the screen, in device pixels; return 1
+ * to consume it. */
+typedef int (*TVPMAvionicsMouse_f)(int x, int y, TVPMMouseStatus inMouse, void* inRefcon);
+/* A scroll-wheel event; return 1 to consume it. */
+typedef int (*TVPMAvionicsMouseWheel_f)(int x, int y, int inWheel, int inClicks, void* inRefcon);
+/* The cursor to show; tvpm_CursorDefault lets the simulator decide. */
+typedef TVPMCursorStatus (*TVPMAvionicsCursor_f)(int x, int y, void* inRefcon);
+/* A key for the device; return 1 to consume it. When the device loses the
+ * keyboard focus it is called with inLosingFocus 1. */
+typedef int (*TVPMAvionicsKeyboard_f)(char inKey, TVPMKeyFlags inFlags, char inVirtualKey,
+                                      void* inRefcon, int inLosingFocus);
+/* The screen brightness (0..1) for the rheostat, the ambient light and the
+ * bus volts ratio. */
+typedef float (*TVPMAvionicsBrightness_f)(float inRheoValue, float inAmbientBrightness,
+                                          float inBusVoltsRatio, void* inRefcon);
+
+#define TVPM_CUSTOMIZE_AVIONICS_SIZE 104
+/* The short form: structSize, deviceId, the two drawing callbacks and the
+ * refcon, which then stands where bezelClickCallback stands. */
+#define TVPM_CUSTOMIZE_AVIONICS_SHORT_SIZE 32
+#define TVPM_CREATE_AVIONICS_SIZE 152
+
+/* Parameters of TVPMRegisterAvionicsCallbacksEx. Every callback may be null. */
+typedef struct TVPMCustomizeAvionics_t {
+    int structSize; /* TVPM_CUSTOMIZE_AVIONICS_SIZE or _SHORT_SIZE */
+    TVPMDeviceID deviceId;
+    TVPMAvionicsCallback_f drawCallbackBefore;
+    TVPMAvionicsCallback_f drawCallbackAfter;
+    TVPMAvionicsMouse_f bezelClickCallback;
+    TVPMAvionicsMouse_f bezelRightClickCallback;
+    TVPMAvionicsMouseWheel_f bezelScrollCallback;
+    TVPMAvionicsCursor_f bezelCursorCallback;
+    TVPMAvionicsMouse_f screenTouchCallback;
+    TVPMAvionicsMouse_f screenRightTouchCallback;
+    TVPMAvionicsMouseWheel_f screenScrollCallback;
+    TVPMAvionicsCursor_f screenCursorCallback;
+    TVPMAvionicsKeyboard_f keyboardCallback;
+    void* refcon;
+} TVPMCustomizeAvionics_t;
+
+/* Parameters of TVPMCreateAvionicsEx. Every callback may be null. */
+struct TVPMCreateAvionics_t {
+    int structSize; /* TVPM_CREATE_AVIONICS_SIZE */
+    int screenWidth;
+    int screenHeight;
+    int bezelWidth;
+    int bezelHeight;
+    int screenOffsetX;
+    int screenOffsetY;
+    int drawOnDemand; /* 1: the screen is drawn only after TVPMAvionicsNeedsDrawing */
+    TVPMAvionicsBezelCallback_f bezelDrawCallback;
+    TVPMAvionicsScreenCallback_f drawCallback;
+    TVPMAvionicsMouse_f bezelClickCallback;
+    TVPMAvionicsMouse_f bezelRightClickCallback;
+    TVPMAvionicsMouseWheel_f bezelScrollCallback;
+    TVPMAvionicsCursor_f bezelCursorCallback;
+    TVPMAvionicsMouse_f screenTouchCallback;
+    TVPMAvionicsMouse_f screenRightTouchCallback;
+    TVPMAvionicsMouseWheel_f screenScrollCallback;
+    TVPMAvionicsCursor_f screenCursorCallback;
+    TVPMAvionicsKeyboard_f keyboardCallback;
+    TVPMAvionicsBrightness_f brightnessCallback;
+    const char* deviceID;   /* copied (63 characters at most) */
+    const char* deviceName; /* read by the simulator during the call */
+    void* refcon;
+};
+
+/* Customises built-in device deviceId for the [current plugin]. Returns a
+ * [handle], or null when inParams is null, its structSize is neither size,
+ * or the plugin already made exactly this customisation. inParams is read
+ * during the call only. */
+TVPM_API TVPMAvionicsID TVPMRegisterAvionicsCallbacksEx(TVPMCustomizeAvionics_t* inParams);
+/* Ends a customisation (a created device is destroyed as by
+ * TVPMDestroyAvionics); an unknown [handle] is ignored. Safe from inside the
+ * customisation's own callbacks. */
+TVPM_API void TVPMUnregisterAvionicsCallbacks(TVPMAvionicsID inAvionicsId);
+/* A [handle] on built-in device inDeviceID for the calls below, without
+ * customising it: the plugin's own customisation of the device when it has
+ * one without callbacks, otherwise a handle kept until the plugin unloads. */
+TVPM_API TVPMAvionicsID TVPMGetAvionicsHandle(TVPMDeviceID inDeviceID);
+/* Creates a device of the [current plugin]; the screen callback runs in the
+ * simulator's before-screen pass. Returns its [handle], or null when inParams
+ * is null, its structSize is not TVPM_CREATE_AVIONICS_SIZE, or the same
+ * device already exists without a simulator display. */
+TVPM_API TVPMAvionicsID TVPMCreateAvionicsEx(TVPMCreateAvionics_t* inParams);
+/* Destroys a created device (or ends a customisation); an unknown [handle]
+ * is ignored. Devices still there when their plugin unloads are destroyed
+ * for it. */
+TVPM_API void TVPMDestroyAvionics(TVPMAvionicsID inHandle);
+
+/* The calls below pass the device to the simulator; a null or unknown
+ * [handle] does nothing and answers 0. */
+
+/* 1 when the device is installed in the user's aircraft. */
+TVPM_API int TVPMIsAvionicsBound(TVPMAvionicsID inHandle);
+TVPM_API void TVPMSetAvionicsBrightnessRheo(TVPMAvionicsID inHandle, float brightness);
+TVPM_API float TVPMGetAvionicsBrightnessRheo(TVPMAvionicsID inHandle);
+TVPM_API float TVPMGetAvionicsBusVoltsRatio(TVPMAvionicsID inHandle);
+TVPM_API void TVPMSetAvionicsPopupVisible(TVPMAvionicsID inHandle, int inVisible);
+TVPM_API int TVPMIsAvionicsPopupVisible(TVPMAvionicsID inHandle);
+TVPM_API void TVPMPopOutAvionics(TVPMAvionicsID inHandle);
+TVPM_API int TVPMIsAvionicsPoppedOut(TVPMAvionicsID inHandle);
+/* 1 when the mouse is over the device's screen; the position, in screen
+ * pixels, goes to the outputs, which may be null. */
+TVPM_API int TVPMIsCursorOverAvionics(TVPMAvionicsID inHandle, int* outX, int* outY);
+/* Asks for the screen of a draw-on-demand device to be drawn again. */
+TVPM_API void TVPMAvionicsNeedsDrawing(TVPMAvionicsID inHandle);
+TVPM_API void TVPMTakeAvionicsKeyboardFocus(TVPMAvionicsID inHandle);
+TVPM_API int TVPMHasAvionicsKeyboardFocus(TVPMAvionicsID inHandle);
+/* The pop-up window's bounds; each output may be null. */
+TVPM_API void TVPMGetAvionicsGeometry(TVPMAvionicsID inHandle, int* outLeft, int* outTop,
+                                      int* outRight, int* outBottom);
+TVPM_API void TVPMSetAvionicsGeometry(TVPMAvionicsID inHandle, int inLeft, int inTop,
+                                      int inRight, int inBottom);
+/* The popped-out window's bounds in operating-system pixels; each output may
+ * be null. */
+TVPM_API void TVPMGetAvionicsGeometryOS(TVPMAvionicsID inHandle, int* outLeft, int* outTop,
+                                        int* outRight, int* outBottom);
+TVPM_API void TVPMSetAvionicsGeometryOS(TVPMAvionicsID inHandle, int inLeft, int inTop,
+                                        int inRight, int inBottom);
+
+/* The layouts above are fixed: these fail to compile if they change. */
+#ifdef __cplusplus
+#define TVPM_AVIONICS_PIN(name, condition) static_assert(condition, #name)
+#else
+#define TVPM_AVIONICS_PIN(name, condition) typedef char tvpm_avionics_pin_##name[(condition) ? 1 : -1]
+#endif
+TVPM_AVIONICS_PIN(customize_size, sizeof(TVPMCustomizeAvionics_t) == TVPM_CUSTOMIZE_AVIONICS_SIZE);
+TVPM_AVIONICS_PIN(customize_short,
+                  offsetof(TVPMCustomizeAvionics_t, bezelClickCallback) ==
+                      TVPM_CUSTOMIZE_AVIONICS_SHORT_SIZE - sizeof(void*));
+TVPM_AVIONICS_PIN(customize_keyboard, offsetof(TVPMCustomizeAvionics_t, keyboardCallback) == 88);
+TVPM_AVIONICS_PIN(customize_refcon, offsetof(TVPMCustomizeAvionics_t, refcon) == 96);
+TVPM_AVIONICS_PIN(create_size, sizeof(struct TVPMCreateAvionics_t) == TVPM_CREATE_AVIONICS_SIZE);
+TVPM_AVIONICS_PIN(create_bezel, offsetof(struct TVPMCreateAvionics_t, bezelDrawCallback) == 32);
+TVPM_AVIONICS_PIN(create_brightness,
+                  offsetof(struct TVPMCreateAvionics_t, brightnessCallback) == 120);
+TVPM_AVIONICS_PIN(create_device_id, offsetof(struct TVPMCreateAvionics_t, deviceID) == 128);
+TVPM_AVIONICS_PIN(create_refcon, offsetof(struct TVPMCreateAvionics_t, refcon) == 144);
+#undef TVPM_AVIONICS_PIN
+
+#ifdef __cplusplus
+}
+#endif
+
 #endif /* TVPMDisplay_h */

@@ -2,7 +2,8 @@
 //
 // Every call from the library into a plugin goes through TVPMCallPlugin (or,
 // for the loader's TPluginStart/TPluginStop, which run before and after the
-// plugin is callable, TVPMGuardPluginCall inside the loader's own context).
+// plugin is callable, and for the error callback, which runs in the context of
+// the call that misused the interface, TVPMGuardPluginCall).
 //
 //   int handled = 1;   // the neutral answer, kept if the plugin throws
 //   TVPMCallPlugin(r->plugin, TVPMCallSite::kCommand,
@@ -91,6 +92,18 @@ template <class F>
 inline TVPMCalled TVPMCallPlugin(TVPMPluginID id, TVPMCallSite site, F&& fn) {
     StDispatchCallback scope(id);
     if (!scope()) return TVPMCalled::kNo;
+    return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
+}
+
+// Calls fn with plugin id current whether or not it is enabled: for the
+// loader's entry points (enable runs before the plugin counts as enabled,
+// disable after), deliveries handed over while it is being enabled, and what
+// a family still owes a plugin inside its own disable path (its last sound
+// completions). Does nothing for an ID that has no record.
+template <class F>
+inline TVPMCalled TVPMCallPluginEvenIfDisabled(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+    StDispatchCallback scope(id);
+    if (!TVPMGetPluginRecord(id)) return TVPMCalled::kNo;
     return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
 }
 

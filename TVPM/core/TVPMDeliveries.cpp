@@ -23,10 +23,8 @@ void TVPMSendDelivery(TVPMDelivery* d) {
         d->DeliverToPlugin(true);
         return;
     }
-    StDispatchCallback scope(d->plugin);
-    if (scope())
-        d->DeliverToPlugin(false);
-    else
-        r->pending.PushFront(d);
+    const TVPMCalled called =
+        TVPMCallPlugin(d->plugin, TVPMCallSite::kDelivery, [&] { d->DeliverToPlugin(false); });
+    if (called == TVPMCalled::kNo) r->pending.PushFront(d);
 }
 

@@ -26,7 +26,7 @@ std::string BuildString() {
 
 // Broadcasts a simulator message to every plugin, with the host as sender.
 void BroadcastFromHost(int message, void* param) {
-    StDispatchCallback scope(0);
+    StActingAsSimulator asSimulator;
     TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, message, param);
 }
 
@@ -54,7 +54,7 @@ void OnRegisterScenery(const char* pack) {
 void OnCheckNewDatarefs() {
     int count = 0;
     if (!TVPMDataRefsCheckForNew(count)) return;
-    StDispatchCallback scope(0);
+    StActingAsSimulator asSimulator;
     for (int n = 0; n < TVPMCountPlugins(); ++n) {
         TVPMPluginID id = TVPMGetNthPlugin(n);
         if (TVPMHasFeatureInternal(id, kFeatureWantsDatarefNotifications))
@@ -134,7 +134,7 @@ TVPM_API int TVPMEventHook(TVPMEventKind inEventType, float inElapsedTime, float
             OnRegisterScenery(reinterpret_cast<const char*>(inFuture1));
             break;
         case tvpm_FMODBankUnloading: {
-            StDispatchCallback scope(0);
+            StActingAsSimulator asSimulator;
             TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, TVPM_MSG_FMOD_BANK_UNLOADING,
                                     reinterpret_cast<void*>(inFuture1));
             TVPMFMODClearChannelGroupsInBank(TVPM_NO_PLUGIN_ID, static_cast<int>(inFuture1));

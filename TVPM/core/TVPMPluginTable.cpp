@@ -3,6 +3,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
+#include "TVPMCallPlugin.h"
 #include "TVPMPluginTable.h"
 
 TVPMHooks* gHooks = nullptr;
@@ -31,7 +32,11 @@ const char* DebugCurrentPluginSignature() { return DebugPluginField(&PluginRecor
 
 void TVPMSendErrorTo(const char* msg, TVPMPluginID who) {
     const PluginRecord* r = TVPMGetPluginRecord(who);
-    if (r && r->errorFunc) r->errorFunc(msg);
+    if (!r || !r->errorFunc) return;
+    // Called in the misusing caller's own context, enabled or not (errors
+    // during TPluginStart reach it too), so no dispatch scope of its own.
+    const TVPMErrorCallback_f report = r->errorFunc;
+    TVPMGuardPluginCall(who, TVPMCallSite::kErrorCallback, [&] { report(msg); });
 }
 
 void TVPMSendError(const char* msg) { TVPMSendErrorTo(msg, gDispatchedPlugin); }

@@ -235,6 +235,21 @@ private:
     Cursor* walkers = nullptr;
 };
 
+// Holds a list without walking it: while held nothing is freed, so a record
+// looked up before a callback is still readable after it (check is_dead()).
+// Usage: TVPMListHold<T> hold(list);
+template <class T>
+class TVPMListHold {
+public:
+    explicit TVPMListHold(TVPMResourceList<T>& l) : list(l) { list.BeginIterate(); }
+    ~TVPMListHold() { list.EndIterate(); }
+    TVPMListHold(const TVPMListHold&) = delete;
+    TVPMListHold& operator=(const TVPMListHold&) = delete;
+
+private:
+    TVPMResourceList<T>& list;
+};
+
 // Brackets a walk so that every exit path ends it (and purges), and keeps its
 // cursor valid when callbacks re-link records. Forward walks go head to tail
 // (newest or front-most first); records added during a walk land at the head

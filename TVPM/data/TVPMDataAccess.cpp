@@ -18,6 +18,14 @@ std::mutex& gDataLock = *new std::mutex;
 std::map<TVPMPluginID, std::set<std::string>>& usedOldDatarefs =
     *new std::map<TVPMPluginID, std::set<std::string>>;
 
+// Items outlive their owners; what must go is the owner's claim on them.
+TVPM_FAMILY_RECORD_COUNT("data items", [](TVPMPluginID id) {
+    std::lock_guard<std::mutex> lock(gDataLock);
+    size_t n = 0;
+    for (const auto& entry : gDataRefs) n += entry.second->plugin == id;
+    return n;
+});
+
 namespace {
 
 constexpr const char* kBuildStringItem = "sim/version/tvpm_build_string";

@@ -122,11 +122,8 @@ struct TVPMSharedDataRecord {
     TVPMDataTypeID type;
     char* data;  // C allocator; grows, never shrinks, never freed
     int size;    // bytes allocated
-    std::vector<TVPMSharedDataSubscriber> subscribers;
-    // Nesting depth of notifications under way. While it is above zero a
-    // removed subscriber only loses its callback, so that the running walk
-    // neither skips nor repeats anyone; the holes go when the last one ends.
-    int notifying = 0;
+    // In subscription order; a walk survives subscribers leaving under it.
+    TVPMRecordSet<TVPMSharedDataSubscriber> subscribers;
 };
 
 // In creation order; records are never removed.

@@ -7,6 +7,12 @@
 
 std::vector<TVPMSharedDataRecord*>& gSharedData = *new std::vector<TVPMSharedDataRecord*>;
 
+TVPM_FAMILY_RECORD_COUNT("shared-data subscriptions", [](TVPMPluginID id) {
+    size_t n = 0;
+    for (const TVPMSharedDataRecord* r : gSharedData) n += r->subscribers.CountOwnedBy(id);
+    return n;
+});
+
 namespace {
 
 constexpr int kItemBytes = 4;
@@ -23,37 +29,12 @@ int InitialStorage(TVPMDataTypeID type) {
 
 TVPMSharedDataRecord* Shared(void* refcon) { return static_cast<TVPMSharedDataRecord*>(refcon); }
 
-// Removes one subscription, or leaves a hole in its place while a
-// notification walks the list.
-void DropSubscriber(TVPMSharedDataRecord* r, std::vector<TVPMSharedDataSubscriber>::iterator s) {
-    if (r->notifying > 0)
-        s->cb = nullptr;
-    else
-        r->subscribers.erase(s);
-}
-
-void DropHoles(TVPMSharedDataRecord* r) {
-    r->subscribers.erase(std::remove_if(r->subscribers.begin(), r->subscribers.end(),
-                                        [](const TVPMSharedDataSubscriber& s) { return !s.cb; }),
-                         r->subscribers.end());
-}
-
 // Every write notifies, changed or not, each subscriber in its own context.
 // Those who subscribe while being told hear from the next write on.
 void Notify(TVPMSharedDataRecord* r) {
-    ++r->notifying;
-    const size_t told = r->subscribers.size();
-    for (size_t i = 0; i < told; ++i) {
-        const TVPMSharedDataSubscriber s = r->subscribers[i];
-        if (!s.cb) continue;
-        StDispatchCallback scope(s.plugin);
-        if (!scope()) continue;
-        try {
-            s.cb(s.ref);
-        } catch (...) {
-        }
-    }
-    if (--r->notifying == 0) DropHoles(r);
+    for (TVPMSetWalk<TVPMSharedDataSubscriber> walk(r->subscribers);
+         const TVPMSharedDataSubscriber* s = walk.Next();)
+        TVPMCallPlugin(s->plugin, TVPMCallSite::kSharedData, [&] { s->cb(s->ref); });
 }
 
 template <class T>
@@ -91,8 +72,9 @@ int GetItems(void* refcon, TVPMDataTypeID type, int itemBytes, void* out, int in
 bool Reserve(TVPMSharedDataRecord* r, int64_t bytes) {
     if (bytes <= r->size) return true;
     if (bytes > kMaxSharedDataBytes) {
-        StDispatchCallback asWriter(gClientPlugin);
-        TVPMSendError("Shared data cannot grow past 16 MB; the write was refused.");
+        TVPMCallPluginEvenIfDisabled(gClientPlugin, TVPMCallSite::kErrorCallback, [] {
+            TVPMSendError("Shared data cannot grow past 16 MB; the write was refused.");
+        });
         return false;
     }
     char* grown = static_cast<char*>(realloc(r->data, static_cast<size_t>(bytes)));
@@ -142,7 +124,7 @@ void Setb(void* r, void* in, int offset, int count) {
 // Publishes the record as an item owned by the library itself, so that no
 // plugin's departure withdraws it. Only the accessor pair of its type is set.
 void PublishShared(TVPMSharedDataRecord* r) {
-    StDispatchCallback scope(0);
+    StActingAsSimulator asSimulator;
     const TVPMDataTypeID t = r->type;
     TVPMRegisterDataAccessor(
         r->name.c_str(), t, 1, t == tvpmType_Int ? Geti : nullptr, t == tvpmType_Int ? Seti : nullptr,
@@ -163,7 +145,7 @@ TVPMSharedDataRecord* CreateShared(const char* name, TVPMDataTypeID type) {
     const int bytes = InitialStorage(type);
     char* data = static_cast<char*>(calloc(1, static_cast<size_t>(bytes)));
     if (!data) return nullptr;
-    TVPMSharedDataRecord* r = new TVPMSharedDataRecord{name, type, data, bytes, {}, 0};
+    TVPMSharedDataRecord* r = new TVPMSharedDataRecord{name, type, data, bytes, {}};
     gSharedData.push_back(r);
     PublishShared(r);
     return r;
@@ -179,7 +161,8 @@ TVPM_API int TVPMShareData(const char* inDataName, TVPMDataTypeID inDataType,
     if (!r) r = CreateShared(inDataName, inDataType);
     if (!r) return 0;
     if (inNotificationFunc)
-        r->subscribers.push_back({inNotificationFunc, inNotificationRefcon, TVPMGetDispatchedPlugin()});
+        r->subscribers.Add(new TVPMSharedDataSubscriber{inNotificationFunc, inNotificationRefcon,
+                                                        TVPMGetDispatchedPlugin()});
     return 1;
 }
 
@@ -190,18 +173,17 @@ TVPM_API int TVPMUnshareData(const char* inDataName, TVPMDataTypeID inDataType,
         if (r->name != inDataName || r->type != inDataType) continue;
         const TVPMSharedDataSubscriber wanted{inNotificationFunc, inNotificationRefcon,
                                               TVPMGetDispatchedPlugin()};
-        auto found = std::find(r->subscribers.begin(), r->subscribers.end(), wanted);
-        if (found == r->subscribers.end()) return 0;
-        DropSubscriber(r, found);
-        return 1;
+        for (TVPMSetWalk<TVPMSharedDataSubscriber> walk(r->subscribers);
+             TVPMSharedDataSubscriber* s = walk.Next();)
+            if (*s == wanted) {
+                r->subscribers.Remove(s);
+                return 1;
+            }
+        return 0;
     }
     return 0;
 }
 
 void TVPMSharedDataForgetPlugin(TVPMPluginID id) {
-    for (TVPMSharedDataRecord* r : gSharedData) {
-        for (auto s = r->subscribers.begin(); s != r->subscribers.end(); ++s)
-            if (s->plugin == id) s->cb = nullptr;
-        if (r->notifying == 0) DropHoles(r);
-    }
+    for (TVPMSharedDataRecord* r : gSharedData) r->subscribers.RemoveOwnedBy(id);
 }

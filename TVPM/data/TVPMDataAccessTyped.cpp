@@ -7,24 +7,34 @@ namespace {
 
 inline TVPMData_t* Record(TVPMDataRef ref) { return static_cast<TVPMData_t*>(ref); }
 
-// An owner's failure must not unwind through a C caller.
-template <class R, class Accessor, class... Args>
-inline R CallGuarded(Accessor accessor, void* refcon, Args... args) {
-    try {
-        return accessor(refcon, args...);
-    } catch (...) {
-        return R();
+// Hands call a function that runs the accessor and keeps its result; the
+// neutral value stands when call does not run it or it throws.
+template <class R, class Call, class Accessor, class... Args>
+inline R Forward(Call call, Accessor accessor, void* refcon, Args... args) {
+    if constexpr (std::is_void_v<R>) {
+        call([&] { accessor(refcon, args...); });
+    } else {
+        R result = R();
+        call([&] { result = accessor(refcon, args...); });
+        return result;
     }
 }
 
-// The general path, for an owner that is disabled, gone or the simulator
-// before start-up: the dispatch scope decides.
+// The accessor through the call helper's guard: a throw is logged once per
+// plugin.
 template <class R, class Accessor, class... Args>
-__attribute__((noinline, cold)) R CallThroughScope(TVPMPluginID owner, Accessor accessor,
-                                                   void* refcon, Args... args) {
-    StDispatchCallback scope(owner);
-    if (!scope()) return R();
-    return CallGuarded<R>(accessor, refcon, args...);
+inline R CallGuarded(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
+    auto guard = [owner](auto&& fn) { TVPMGuardPluginCall(owner, TVPMCallSite::kDataAccessor, fn); };
+    return Forward<R>(guard, accessor, refcon, args...);
+}
+
+// The general path, for an owner that is disabled, gone or the simulator
+// before start-up: the call helper decides.
+template <class R, class Accessor, class... Args>
+__attribute__((noinline, cold)) R CallThroughHelper(TVPMPluginID owner, Accessor accessor,
+                                                    void* refcon, Args... args) {
+    auto helper = [owner](auto&& fn) { TVPMCallPlugin(owner, TVPMCallSite::kDataAccessor, fn); };
+    return Forward<R>(helper, accessor, refcon, args...);
 }
 
 // What the dispatch scope keeps, in one frame: the chain link must live in
@@ -35,7 +45,8 @@ struct OwnerFrame {
     TVPMPluginID dispatched, client;
 };
 
-// What the dispatch scope does for an enabled owner, written out.
+// What the dispatch scope does for an enabled owner, written out: this is the
+// one path hot enough for the difference to show.
 inline void EnterOwner(TVPMPluginID owner, OwnerFrame& frame) {
     frame.dispatched = gDispatchedPlugin;
     frame.client = gClientPlugin;
@@ -59,15 +70,15 @@ template <class R, class Accessor, class... Args>
 inline R CallOwner(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
     const PluginRecord* r = TVPMGetPluginRecord(owner);
     if (__builtin_expect(!r || !r->enabled, 0))
-        return CallThroughScope<R>(owner, accessor, refcon, args...);
+        return CallThroughHelper<R>(owner, accessor, refcon, args...);
     OwnerFrame frame;
     frame.link.library = r->dllRef;
     EnterOwner(owner, frame);
     if constexpr (std::is_void_v<R>) {
-        CallGuarded<R>(accessor, refcon, args...);
+        CallGuarded<R>(owner, accessor, refcon, args...);
         LeaveOwner(frame);
     } else {
-        const R result = CallGuarded<R>(accessor, refcon, args...);
+        const R result = CallGuarded<R>(owner, accessor, refcon, args...);
         LeaveOwner(frame);
         return result;
     }

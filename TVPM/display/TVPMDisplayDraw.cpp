@@ -10,6 +10,9 @@ TVPMRecordIndex<TVPMDrawCallbackRecord>& TVPMDrawCallbackKeys() {
 }
 TVPMResourceList<TVPMDrawCallbackRecord> gDrawCallbacks;
 
+TVPM_FAMILY_RECORD_COUNT("draw callbacks",
+                         [](TVPMPluginID id) { return gDrawCallbacks.CountOwnedBy(id); });
+
 namespace {
 
 constexpr int kReflectionPass = 1;
@@ -91,10 +94,9 @@ bool AnyWindowNeedsDrawing() {
 }
 
 void DrawWindow(TVPMWindow* w) {
-    StDispatchCallback scope(w->plugin);
-    if (!scope() || !w->drawCallback) return;
-    StCallbackTimer timer(tvpm_cb_drawing_window, w->plugin);
-    w->drawCallback(w, w->refcon);
+    if (!w->drawCallback) return;
+    TVPMCallPluginTimed(w->plugin, TVPMCallSite::kWindow, tvpm_cb_drawing_window,
+                        [&] { w->drawCallback(w, w->refcon); });
 }
 
 // Back-most first, so that front windows are drawn last. With a fixed window
@@ -122,11 +124,9 @@ int TVPMDispatchDrawingHook(TVPMDrawingPhase inPhase, int isBefore, int render_t
     for (TVPMWalk<TVPMDrawCallbackRecord> walk(gDrawCallbacks); auto* r = walk.Next();) {
         if (r->phase != inPhase || r->preCallback != isBefore) continue;
         if (!SeesRenderType(r->plugin, render_type)) continue;
-        StDispatchCallback scope(r->plugin);
-        if (!scope()) continue;
-        StCallbackTimer timer(category, r->plugin);
         // A bitwise AND: a callback answering 2 suppresses the phase like 0.
-        result &= r->callback(inPhase, isBefore, r->refcon);
+        TVPMCallPluginTimed(r->plugin, TVPMCallSite::kDraw, category,
+                            [&] { result &= r->callback(inPhase, isBefore, r->refcon); });
     }
     return result;
 }
@@ -157,7 +157,7 @@ TVPM_API int TVPMRegisterDrawCallback(TVPMDrawCallback_f inCallback, TVPMDrawing
     if (!inCallback) return 0;
     // Held over the scan and the insertion; the scan also sees records removed
     // during a walk, which count as registered until the walk ends.
-    TVPMWalk<TVPMDrawCallbackRecord> walk(gDrawCallbacks);
+    TVPMWalk<TVPMDrawCallbackRecord, TVPMVisit::kLiveAndRemoved> walk(gDrawCallbacks);
     if (TVPMDrawCallbackKeys().Any(TVPMCallbackKey(inCallback, inPhase, inWantsBefore, inRefcon),
                                    [](const TVPMDrawCallbackRecord*) { return true; }))
         return 0;

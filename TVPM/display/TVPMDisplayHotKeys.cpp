@@ -4,15 +4,14 @@
 
 TVPMResourceList<TVPMHotKeyInfoRecord> gHotKeys;
 
+TVPM_FAMILY_RECORD_COUNT("hot keys", [](TVPMPluginID id) { return gHotKeys.CountOwnedBy(id); });
+
 namespace {
 
 constexpr int kDescriptionBufferSize = 512;
 
 TVPMHotKeyInfoRecord* FindHotKey(TVPMHotKeyID id) {
-    if (!id) return nullptr;
-    for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next())
-        if (r == id && !r->is_dead()) return r;
-    return nullptr;
+    return gHotKeys.Contains(id) ? static_cast<TVPMHotKeyInfoRecord*>(id) : nullptr;
 }
 
 }  // namespace
@@ -23,7 +22,7 @@ bool TVPMDisplayFireHotKey(TVPMKeyFlags flags, char virtualCode) {
         if (r->vkey != virtualCode || r->flags != flags) continue;
         const auto callback = r->callback;
         const auto refcon = r->refcon;
-        const TVPMCalled called = TVPMCallPlugin(r->owner, TVPMCallSite::kHotKey, [&] {
+        const TVPMCalled called = TVPMCallPlugin(r->plugin, TVPMCallSite::kHotKey, [&] {
             if (callback) callback(refcon);
         });
         if (called != TVPMCalled::kNo) return true;
@@ -49,18 +48,15 @@ TVPM_API void TVPMUnregisterHotKey(TVPMHotKeyID inHotKey) {
 TVPM_API int TVPMCountHotKeys(void) {
     TVPM_CHECK_THREAD();
     int count = 0;
-    for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next())
-        if (!r->is_dead()) ++count;
+    for (TVPMWalk<TVPMHotKeyInfoRecord> walk(gHotKeys); walk.Next();) ++count;
     return count;
 }
 
 TVPM_API TVPMHotKeyID TVPMGetNthHotKey(int inIndex) {
     TVPM_CHECK_THREAD();
     if (inIndex < 0) return nullptr;
-    for (TVPMHotKeyInfoRecord* r = gHotKeys.Head(); r; r = r->get_next()) {
-        if (r->is_dead()) continue;
+    for (TVPMWalk<TVPMHotKeyInfoRecord> walk(gHotKeys); auto* r = walk.Next();)
         if (inIndex-- == 0) return r;
-    }
     return nullptr;
 }
 
@@ -73,7 +69,7 @@ TVPM_API void TVPMGetHotKeyInfo(TVPMHotKeyID inHotKey, char* outVirtualKey,
     if (outVirtualKey) *outVirtualKey = r->vkey;
     if (outFlags) *outFlags = r->flags;
     if (outDescription) strcpytrunc(outDescription, r->description, kDescriptionBufferSize);
-    if (outPlugin) *outPlugin = r->owner;
+    if (outPlugin) *outPlugin = r->plugin;
 }
 
 TVPM_API void TVPMSetHotKeyCombination(TVPMHotKeyID inHotKey, char inVirtualKey,

@@ -9,6 +9,9 @@ TVPMRecordIndex<TVPMKeyCallbackRecord>& TVPMKeySnifferKeys() {
 }
 TVPMResourceList<TVPMKeyCallbackRecord> gKeyCallbacks;
 
+TVPM_FAMILY_RECORD_COUNT("key sniffers",
+                         [](TVPMPluginID id) { return gKeyCallbacks.CountOwnedBy(id); });
+
 namespace {
 
 constexpr int kNotConsumed = 1;
@@ -38,10 +41,12 @@ bool should_deliver_mouse_hook(const TVPMWindow* w, int x, int y, void* inFixedW
 int MouseDown(int x, int y, int button, void* inFixedWindow) {
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();) {
         if (!should_deliver_mouse_hook(w, x, y, inFixedWindow)) continue;
-        StDispatchCallback scope(w->plugin);
         TVPMHandleMouseClick_f handler = HandlerForButton(w, button);
-        if (!scope() || !handler) continue;
-        if (!handler(w, x, y, tvpm_MouseDown, w->refcon)) continue;
+        if (!handler) continue;
+        int took = 0;
+        TVPMCallPlugin(w->plugin, TVPMCallSite::kWindow,
+                       [&] { took = handler(w, x, y, tvpm_MouseDown, w->refcon); });
+        if (!took) continue;
         // A handler that destroyed its own window still consumed the click,
         // but nothing is left to capture the mouse.
         if (!w->is_dead()) {
@@ -58,22 +63,23 @@ int MouseDown(int x, int y, int button, void* inFixedWindow) {
 // before the mouse-up handler runs, so that a handler disabling its own plugin
 // is not sent a second, synthetic mouse-up.
 int MouseDragOrUp(int x, int y, TVPMMouseStatus status, int button, void* inFixedWindow) {
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold(gWindows);
     TVPMWindow* w = gDragWindow;
     if (status == tvpm_MouseUp) TVPMDisplayClearDrag();
     if (!w || (w != inFixedWindow && (inFixedWindow || w->isGuiBacked))) return kNotConsumed;
-    StDispatchCallback scope(w->plugin);
     TVPMHandleMouseClick_f handler = HandlerForButton(w, button);
-    if (!scope() || !handler) return kNotConsumed;
-    handler(w, x, y, status, w->refcon);
-    return kConsumed;
+    if (!handler) return kNotConsumed;
+    const TVPMCalled called = TVPMCallPlugin(w->plugin, TVPMCallSite::kWindow,
+                                             [&] { handler(w, x, y, status, w->refcon); });
+    return called == TVPMCalled::kNo ? kNotConsumed : kConsumed;
 }
 
 int AskSniffer(const TVPMKeyCallbackRecord* r, char charCode, TVPMKeyFlags flags,
                char virtualCode) {
-    StDispatchCallback scope(r->plugin);
-    if (!scope()) return kNotConsumed;
-    return r->callback(charCode, flags, virtualCode, r->refcon) == 0 ? kConsumed : kNotConsumed;
+    int passOn = 1;
+    TVPMCallPlugin(r->plugin, TVPMCallSite::kKey,
+                   [&] { passOn = r->callback(charCode, flags, virtualCode, r->refcon); });
+    return passOn == 0 ? kConsumed : kNotConsumed;
 }
 
 int KeyBeforeWindows(char charCode, TVPMKeyFlags flags, char virtualCode) {
@@ -87,17 +93,17 @@ int KeyBeforeWindows(char charCode, TVPMKeyFlags flags, char virtualCode) {
 int KeyToFocusWindow(char charCode, TVPMKeyFlags flags, char virtualCode, void* inFixedWindow) {
     TVPMWindow* w = gFocusWindow;
     if (!w || (inFixedWindow && inFixedWindow != w)) return kNotConsumed;
-    StDispatchCallback scope(w->plugin);
-    if (!scope()) return kNotConsumed;
-    if (w->keyCallback) w->keyCallback(w, charCode, flags, virtualCode, w->refcon, 0);
-    return kConsumed;
+    const TVPMCalled called = TVPMCallPlugin(w->plugin, TVPMCallSite::kWindow, [&] {
+        if (w->keyCallback) w->keyCallback(w, charCode, flags, virtualCode, w->refcon, 0);
+    });
+    return called == TVPMCalled::kNo ? kNotConsumed : kConsumed;
 }
 
 // Unlike the other walks, this one also asks sniffers that were unregistered
 // while it runs; kept so on purpose.
 int KeyAfterWindows(char charCode, TVPMKeyFlags flags, char virtualCode) {
-    TVPMWalk<TVPMKeyCallbackRecord> walk(gKeyCallbacks);  // held; its Next() would skip the dead
-    for (TVPMKeyCallbackRecord* r = gKeyCallbacks.Head(); r; r = r->get_next())
+    TVPMWalk<TVPMKeyCallbackRecord, TVPMVisit::kLiveAndRemoved> walk(gKeyCallbacks);
+    while (TVPMKeyCallbackRecord* r = walk.Next())
         if (!r->beforeWindows && AskSniffer(r, charCode, flags, virtualCode) == kConsumed)
             return kConsumed;
     return kNotConsumed;
@@ -134,9 +140,10 @@ TVPMCursorStatus TVPMDisplayCursorHook(int inX, int inY, void* inFixedWindow) {
     TVPM_CHECK_THREAD();
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();) {
         if (!should_deliver_mouse_hook(w, inX, inY, inFixedWindow)) continue;
-        StDispatchCallback scope(w->plugin);
-        if (!scope() || !w->handleCursorCallback) continue;
-        const TVPMCursorStatus cursor = w->handleCursorCallback(w, inX, inY, w->refcon);
+        if (!w->handleCursorCallback) continue;
+        TVPMCursorStatus cursor = tvpm_CursorDefault;
+        TVPMCallPlugin(w->plugin, TVPMCallSite::kWindow,
+                       [&] { cursor = w->handleCursorCallback(w, inX, inY, w->refcon); });
         if (cursor != tvpm_CursorDefault) return cursor;
     }
     return tvpm_CursorDefault;
@@ -146,10 +153,12 @@ int TVPMDisplayScrollWheelHook(int inX, int inY, int inWheel, int inClicks, void
     TVPM_CHECK_THREAD();
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();) {
         if (!should_deliver_mouse_hook(w, inX, inY, inFixedWindow)) continue;
-        StDispatchCallback scope(w->plugin);
-        if (!scope() || !w->handleMouseWheelCallback) continue;
-        if (w->handleMouseWheelCallback(w, inX, inY, inWheel, inClicks, w->refcon))
-            return kConsumed;
+        if (!w->handleMouseWheelCallback) continue;
+        int took = 0;
+        TVPMCallPlugin(w->plugin, TVPMCallSite::kWindow, [&] {
+            took = w->handleMouseWheelCallback(w, inX, inY, inWheel, inClicks, w->refcon);
+        });
+        if (took) return kConsumed;
     }
     return kNotConsumed;
 }

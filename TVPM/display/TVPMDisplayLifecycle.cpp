@@ -2,17 +2,6 @@
 #include "TVPMDisplayPrivate.h"
 #include "TVPMUnitHooks.h"
 
-namespace {
-
-// Removes every record of the list that the plugin owns.
-template <class T, class OwnerOf>
-void RemoveAllOf(TVPMResourceList<T>& list, TVPMPluginID id, OwnerOf ownerOf) {
-    for (TVPMWalk<T> walk(list); T* r = walk.Next();)
-        if (ownerOf(*r) == id) list.Remove(r);
-}
-
-}  // namespace
-
 void TVPMDisplayEnableHook(TVPMPluginID id) {
     for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
         if (w->plugin == id && w->isGuiBacked && w->visible) gHooks->TVPMShowGuiPluginWindow_f(w);
@@ -45,10 +34,10 @@ void TVPMDisplaySyncGuiWindowStateWithPluginHook(TVPMPluginID id, int enabled) {
 // Releases in a fixed order: draw callbacks, key sniffers, avionics, windows
 // (each losing focus and mouse first), hot keys.
 void TVPMDisplayCleanupHook(TVPMPluginID id) {
-    RemoveAllOf(gDrawCallbacks, id, [](const TVPMDrawCallbackRecord& r) { return r.plugin; });
-    RemoveAllOf(gKeyCallbacks, id, [](const TVPMKeyCallbackRecord& r) { return r.plugin; });
+    gDrawCallbacks.RemoveOwnedBy(id);
+    gKeyCallbacks.RemoveOwnedBy(id);
     TVPMDisplayAvionicsCleanupHook(id);
-    for (TVPMWindowWalk walk(TVPMWindowWalk::kFrontToBack); TVPMWindow* w = walk.Next();)
-        if (w->plugin == id) TVPMDisplayDestroyWindowRecord(w);
-    RemoveAllOf(gHotKeys, id, [](const TVPMHotKeyInfoRecord& r) { return r.owner; });
+    // Front to back. The owner is disabled by now, so no focus-loss call runs.
+    gWindows.RemoveOwnedBy(id, TVPMDisplayReleaseWindow);
+    gHotKeys.RemoveOwnedBy(id);
 }

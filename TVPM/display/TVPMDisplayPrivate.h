@@ -67,9 +67,9 @@ struct TVPMWindowCallbackRecord : TVPMResource_t<TVPMWindowCallbackRecord> {
 struct TVPMHotKeyInfoRecord : TVPMResource_t<TVPMHotKeyInfoRecord> {
     TVPMHotKeyInfoRecord(TVPMPluginID who, char key, TVPMKeyFlags fl, const char* text,
                          TVPMHotKey_f cb, void* ref)
-        : owner(who), vkey(key), flags(fl), description(text ? text : ""), callback(cb),
+        : plugin(who), vkey(key), flags(fl), description(text ? text : ""), callback(cb),
           refcon(ref) {}
-    TVPMPluginID owner;
+    TVPMPluginID plugin;
     char vkey;
     TVPMKeyFlags flags;
     std::string description;
@@ -111,8 +111,12 @@ inline TVPMWindow* TVPMFindWindow(TVPMWindowID id) {
 // Takes focus away from the focused window, if any (see TVPMTakeKeyboardFocus).
 void TVPMDisplayTakeFocus(TVPMWindowID id);
 
-// Destroys a live window: focus and mouse released, the simulator's window
-// destroyed, the record removed.
+// Releases a live window's focus and mouse and destroys the simulator's
+// window, leaving the record to the caller. False when the window's own
+// focus-loss callback destroyed it meanwhile.
+bool TVPMDisplayReleaseWindow(TVPMWindow* w);
+
+// Destroys a live window: released as above, then the record removed.
 void TVPMDisplayDestroyWindowRecord(TVPMWindow* w);
 
 // Ends any mouse capture.
@@ -133,16 +137,6 @@ bool TVPMDisplayFireHotKey(TVPMKeyFlags flags, char virtualCode);
 // Calls the draw callbacks of one phase and timing; the AND of their results.
 int TVPMDispatchDrawingHook(TVPMDrawingPhase inPhase, int isBefore, int render_type);
 
-// Keeps gWindows from freeing anything while held, so that a record survives
-// any callback made during the hold (it may only become dead).
-class StWindowListHold {
-public:
-    StWindowListHold() { gWindows.BeginIterate(); }
-    ~StWindowListHold() { gWindows.EndIterate(); }
-    StWindowListHold(const StWindowListHold&) = delete;
-    StWindowListHold& operator=(const StWindowListHold&) = delete;
-};
-
 // A walk of gWindows over the order the list had when the walk began.
 // Callbacks may bring windows to the front during the walk; the list re-links
 // such a record at once, which would send a link-following walk back to the
@@ -154,7 +148,6 @@ class TVPMWindowWalk {
 public:
     enum Direction { kFrontToBack, kBackToFront };
     explicit TVPMWindowWalk(Direction d);
-    ~TVPMWindowWalk();
     TVPMWindowWalk(const TVPMWindowWalk&) = delete;
     TVPMWindowWalk& operator=(const TVPMWindowWalk&) = delete;
 
@@ -162,7 +155,7 @@ public:
     TVPMWindow* Next();
 
 private:
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold{gWindows};  // removals only mark while the copy is walked
     std::vector<TVPMWindow*>& order;
     size_t pos = 0;
 };

@@ -10,19 +10,22 @@ TVPMWindow* gFocusWindow = nullptr;
 TVPMWindow* gDragWindow = nullptr;
 int gDragWindowReceivedDownClickFromBtn = -1;
 
+TVPM_FAMILY_RECORD_COUNT("windows", [](TVPMPluginID id) { return gWindows.CountOwnedBy(id); });
+
 namespace {
 
 constexpr int kCreateWindowPlainSize = 72;
 constexpr int kCreateWindowGuiSize = 88;
 
-// One copy of the stacking order per walk nesting depth; a deque, so that
-// growing it never moves a copy an outer walk is using.
+// One copy of the stacking order per depth of gWindows' holds, which a window
+// walk's own hold makes unique to it; a deque, so that growing it never moves
+// a copy an outer walk is using.
 std::deque<std::vector<TVPMWindow*>> s_walkOrders;
-size_t s_walkDepth = 0;
 
 std::vector<TVPMWindow*>& AcquireWalkOrder() {
-    if (s_walkDepth == s_walkOrders.size()) s_walkOrders.emplace_back();
-    std::vector<TVPMWindow*>& order = s_walkOrders[s_walkDepth++];
+    const size_t depth = static_cast<size_t>(gWindows.IterationDepth());
+    while (s_walkOrders.size() <= depth) s_walkOrders.emplace_back();
+    std::vector<TVPMWindow*>& order = s_walkOrders[depth];
     order.clear();
     return order;
 }
@@ -80,11 +83,10 @@ private:
 // destroys or hides itself in this call starts a hand-over of its own; that
 // one must not tell it again, or the two would never end.
 void TellWindowItLosesFocus(TVPMWindow* losing, TVPMWindow* taking) {
-    if (losing == s_windowBeingToldOfLoss) return;
-    StDispatchCallback scope(losing->plugin);
-    if (!scope() || !losing->keyCallback) return;
+    if (losing == s_windowBeingToldOfLoss || !losing->keyCallback) return;
     StTellingOfLoss telling(losing);
-    losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1);
+    TVPMCallPlugin(losing->plugin, TVPMCallSite::kWindow,
+                   [&] { losing->keyCallback(taking, 0, 0, 0, losing->refcon, 1); });
 }
 
 TVPMWindow* NewWindow(int visible, TVPMDrawWindow_f draw, TVPMHandleKey_f key,
@@ -111,12 +113,9 @@ void SetPlainRect(TVPMWindow* w, int left, int top, int right, int bottom) {
 // ---- Walks and look-up -------------------------------------------------------------
 
 TVPMWindowWalk::TVPMWindowWalk(Direction d) : order(AcquireWalkOrder()) {
-    for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
-        if (!w->is_dead()) order.push_back(w);
+    for (TVPMWalk<TVPMWindow> walk(gWindows); TVPMWindow* w = walk.Next();) order.push_back(w);
     if (d == kBackToFront) std::reverse(order.begin(), order.end());
 }
-
-TVPMWindowWalk::~TVPMWindowWalk() { --s_walkDepth; }
 
 TVPMWindow* TVPMWindowWalk::Next() {
     while (pos < order.size()) {
@@ -126,17 +125,12 @@ TVPMWindow* TVPMWindowWalk::Next() {
     return nullptr;
 }
 
-bool TVPMWindowIsValid(TVPMWindowID id) {
-    if (!id) return false;
-    for (TVPMWindow* w = gWindows.Head(); w; w = w->get_next())
-        if (w == id) return !w->is_dead();
-    return false;
-}
+bool TVPMWindowIsValid(TVPMWindowID id) { return gWindows.Contains(id); }
 
 // ---- Focus and destruction ------------------------------------------------------------
 
 void TVPMDisplayTakeFocus(TVPMWindowID id) {
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold(gWindows);
     TVPMWindow* w = TVPMFindWindow(id);
     if (w == gFocusWindow) return;
     if (w && !TVPMDisplayPluginEnabled(w->plugin)) return;
@@ -148,13 +142,18 @@ void TVPMDisplayTakeFocus(TVPMWindowID id) {
     TellHostFocus(w);
 }
 
-void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
-    StWindowListHold hold;
+bool TVPMDisplayReleaseWindow(TVPMWindow* w) {
+    TVPMListHold<TVPMWindow> hold(gWindows);
     if (w == gFocusWindow) TVPMDisplayTakeFocus(nullptr);
-    if (w->is_dead()) return;  // its own focus-loss callback destroyed it
+    if (w->is_dead()) return false;  // its own focus-loss callback destroyed it
     if (w == gDragWindow) TVPMDisplayClearDrag();
     if (w->isGuiBacked) gHooks->TVPMDestroyGuiPluginWindow_f(w);
-    gWindows.Remove(w);
+    return true;
+}
+
+void TVPMDisplayDestroyWindowRecord(TVPMWindow* w) {
+    TVPMListHold<TVPMWindow> hold(gWindows);
+    if (TVPMDisplayReleaseWindow(w)) gWindows.Remove(w);
 }
 
 // ---- Creation ------------------------------------------------------------------------
@@ -288,7 +287,7 @@ TVPM_API int TVPMGetWindowIsVisible(TVPMWindowID inWindowID) {
 
 TVPM_API void TVPMSetWindowIsVisible(TVPMWindowID inWindowID, int inIsVisible) {
     TVPM_CHECK_THREAD();
-    StWindowListHold hold;
+    TVPMListHold<TVPMWindow> hold(gWindows);
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return;
     if (w->visible && !inIsVisible && w == gFocusWindow) {
@@ -326,8 +325,8 @@ TVPM_API int TVPMIsWindowInFront(TVPMWindowID inWindowID) {
     TVPMWindow* w = TVPMFindWindow(inWindowID);
     if (!w) return 0;
     if (w->isGuiBacked) return gHooks->TVPMGuiWindowIsInFront_f(w) ? 1 : 0;
-    for (TVPMWindow* h = gWindows.Head(); h; h = h->get_next())
-        if (!h->is_dead() && h->visible) return h == w ? 1 : 0;
+    for (TVPMWalk<TVPMWindow> walk(gWindows); TVPMWindow* h = walk.Next();)
+        if (h->visible) return h == w ? 1 : 0;
     return 0;
 }
 

@@ -48,17 +48,15 @@ bool IsEnabled(const TVPMPluginIncarnation& p) {
 // or not it is enabled; a throw counts as the entry point doing nothing.
 template <class F>
 void CallEntryPoint(TVPMPluginID id, TVPMCallSite site, F entry) {
-    StDispatchCallback scope(id);
-    TVPMGuardPluginCall(id, site, entry);
+    TVPMCallPluginEvenIfDisabled(id, site, entry);
 }
 
 // Calls TPluginEnable with the plugin current; the plugin counts as enabled
 // during the call and afterwards only if it returned non-zero (a throw is 0).
 void CallPluginEnable(const TVPMPluginIncarnation& p, TVPMPluginEnable_f enable) {
-    StDispatchCallback scope(p.id());
     p.Get()->enabled = true;
     int agreed = 0;
-    TVPMGuardPluginCall(p.id(), TVPMCallSite::kEnable, [&] { agreed = enable(); });
+    TVPMCallPluginEvenIfDisabled(p.id(), TVPMCallSite::kEnable, [&] { agreed = enable(); });
     if (PluginRecord* r = p.Get()) r->enabled = agreed != 0;
 }
 
@@ -83,13 +81,14 @@ int EnableSteps(const TVPMPluginIncarnation& p) {
 }
 
 void DeliverPending(const TVPMPluginIncarnation& p) {
-    StDispatchCallback scope(p.id());
-    while (PluginRecord* r = p.Get()) {
-        TVPMDelivery* d = r->pending.first();
-        if (!d) break;
-        d->Unlink();
-        d->DeliverToPlugin(false);
-    }
+    TVPMCallPluginEvenIfDisabled(p.id(), TVPMCallSite::kDelivery, [&] {
+        while (PluginRecord* r = p.Get()) {
+            TVPMDelivery* d = r->pending.first();
+            if (!d) break;
+            d->Unlink();
+            d->DeliverToPlugin(false);
+        }
+    });
 }
 
 void OrphanOutstanding(PluginRecord& r) {

@@ -19,7 +19,7 @@ struct TVPMItemInfo_t {
     TVPMCommandRef itemCommand;
     TVPMMenuCheck itemCheck;
     int itemEnable;
-    TVPMPluginID itemOwner;
+    TVPMPluginID plugin;  // who appended it, not who owns the menu
 };
 
 struct TVPMMenuInfo_t {
@@ -28,15 +28,27 @@ struct TVPMMenuInfo_t {
     std::vector<TVPMItemInfo_t> items;  // in host order: index = the host's item index
     TVPMMenuHandler_f handler;
     TVPMPluginID plugin;
-    // How many of the items each plugin owns, so that appending is O(1).
+    // How many of the items each plugin appended, so that appending is O(1).
     std::unordered_map<TVPMPluginID, int> itemsOwned;
 };
 
 // In creation order. Owned here, so that menus a host never shut down are
 // still freed with the library.
-std::vector<std::unique_ptr<TVPMMenuInfo_t>> gMenus;
+TVPMRecordSet<TVPMMenuInfo_t> gMenus;
 TVPMMenuInfo_t* gPluginMenu = nullptr;
 TVPMMenuInfo_t* gAircraftMenu = nullptr;
+
+size_t CountItemsOf(const TVPMMenuInfo_t* menu, TVPMPluginID id) {
+    if (!menu) return 0;
+    return static_cast<size_t>(std::count_if(menu->items.begin(), menu->items.end(),
+                                             [id](const TVPMItemInfo_t& i) { return i.plugin == id; }));
+}
+
+TVPM_FAMILY_RECORD_COUNT("menus", [](TVPMPluginID id) { return gMenus.CountOwnedBy(id); });
+// Items a plugin added to other plugins' menus are left with those menus.
+TVPM_FAMILY_RECORD_COUNT("shared menu items", [](TVPMPluginID id) {
+    return CountItemsOf(gPluginMenu, id) + CountItemsOf(gAircraftMenu, id);
+});
 // Plugins already told that the aircraft menu is not theirs.
 std::vector<TVPMPluginID> s_reportedAircraftMenuUsers;
 
@@ -54,14 +66,12 @@ constexpr int kHooksSizeWithDestroyMenu = 1320;
 const char* NonNull(const char* text) { return text ? text : ""; }
 
 TVPMMenuInfo_t* FindMenu(TVPMMenuID id) {
-    for (const auto& menu : gMenus)
-        if (menu.get() == id) return menu.get();
-    return nullptr;
+    return gMenus.Contains(id) ? static_cast<TVPMMenuInfo_t*>(id) : nullptr;
 }
 
 TVPMMenuInfo_t* FindMenuByHandle(intptr_t handle) {
-    for (const auto& menu : gMenus)
-        if (menu->menuHandle == handle) return menu.get();
+    for (TVPMSetWalk<TVPMMenuInfo_t> walk(gMenus); TVPMMenuInfo_t* menu = walk.Next();)
+        if (menu->menuHandle == handle) return menu;
     return nullptr;
 }
 
@@ -69,7 +79,7 @@ TVPMMenuInfo_t* FindMenuByHandle(intptr_t handle) {
 int TVPMItemPluginToGlobal(const TVPMMenuInfo_t* menu, int n, TVPMPluginID plugin) {
     if (!menu || n < 0) return -1;
     for (size_t i = 0; i < menu->items.size(); ++i)
-        if (menu->items[i].itemOwner == plugin && n-- == 0) return static_cast<int>(i);
+        if (menu->items[i].plugin == plugin && n-- == 0) return static_cast<int>(i);
     return -1;
 }
 
@@ -101,7 +111,7 @@ void ForgetItemsOwned(TVPMMenuInfo_t* menu, TVPMPluginID plugin, int count) {
 
 void RemoveGlobalItem(TVPMMenuInfo_t* menu, int global) {
     gHooks->TVPMRemoveMenuItem_f(menu->menuHandle, global);
-    ForgetItemsOwned(menu, menu->items[static_cast<size_t>(global)].itemOwner, 1);
+    ForgetItemsOwned(menu, menu->items[static_cast<size_t>(global)].plugin, 1);
     menu->items.erase(menu->items.begin() + global);
 }
 
@@ -111,22 +121,20 @@ void RemoveItemsOf(TVPMMenuInfo_t* menu, TVPMPluginID plugin) {
     if (!menu) return;
     int removed = 0;
     for (size_t i = 0; i < menu->items.size(); ++i)
-        if (menu->items[i].itemOwner == plugin)
+        if (menu->items[i].plugin == plugin)
             gHooks->TVPMRemoveMenuItem_f(menu->menuHandle, static_cast<int>(i) - removed++);
     menu->items.erase(std::remove_if(menu->items.begin(), menu->items.end(),
                                      [plugin](const TVPMItemInfo_t& item) {
-                                         return item.itemOwner == plugin;
+                                         return item.plugin == plugin;
                                      }),
                       menu->items.end());
     ForgetItemsOwned(menu, plugin, removed);
 }
 
-// Frees a menu the host no longer shows; the shared menus are forgotten with it.
-void ForgetMenu(TVPMMenuInfo_t* menu) {
+// A menu the host no longer shows; the shared menus are forgotten with it.
+void ForgetSharedMenu(const TVPMMenuInfo_t* menu) {
     if (menu == gPluginMenu) gPluginMenu = nullptr;
     if (menu == gAircraftMenu) gAircraftMenu = nullptr;
-    gMenus.erase(std::find_if(gMenus.begin(), gMenus.end(),
-                              [menu](const auto& m) { return m.get() == menu; }));
 }
 
 bool AlreadyReported(TVPMPluginID id) {
@@ -150,7 +158,7 @@ bool IsValidGlobalIndex(const TVPMMenuInfo_t* menu, int index) {
 }  // namespace
 
 void TVPMInitMenus() {
-    StDispatchCallback asHost(0);
+    StActingAsSimulator asSimulator;
     gPluginMenu = nullptr;
     // "<Aircraft>" comes first: with no "Plugins" menu yet it becomes a top-level menu.
     gAircraftMenu =
@@ -181,9 +189,7 @@ TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, 
         parentItem = TVPMItemPluginToGlobal(parent, inParentItem, gDispatchedPlugin);
     }
     const intptr_t handle = gHooks->TVPMCreateMenu_f(parentHandle, parentItem, NonNull(inName));
-    gMenus.push_back(std::unique_ptr<TVPMMenuInfo_t>(
-        new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin, {}}));
-    return gMenus.back().get();
+    return gMenus.Add(new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin, {}});
 }
 
 TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void* inItemRef,
@@ -251,20 +257,20 @@ TVPM_API void TVPMDestroyMenu(TVPMMenuID inMenuID) {
     // A host with a shorter table has no way to destroy a menu.
     if (gHooks->structSize >= kHooksSizeWithDestroyMenu)
         gHooks->TVPMDestroyMenu_f(menu->menuHandle);
-    ForgetMenu(menu);
+    ForgetSharedMenu(menu);
+    gMenus.Remove(menu);
 }
 
 int TVPMHandleMenuItemPick(int inCode) {
-    for (const auto& menu : gMenus) {
+    for (TVPMSetWalk<TVPMMenuInfo_t> walk(gMenus); TVPMMenuInfo_t* menu = walk.Next();) {
         for (const TVPMItemInfo_t& item : menu->items) {
             if (item.itemCode != inCode) continue;
             if (!menu->handler || !item.itemEnable) return 0;
-            // Copied first: the handler may change the menus.
+            // Copied first: the handler may change the menu's items.
             const TVPMMenuHandler_f handler = menu->handler;
             void* const menuRef = menu->menuRef;
             void* const itemRef = item.itemRef;
-            StDispatchCallback scope(menu->plugin);
-            if (scope()) handler(menuRef, itemRef);
+            TVPMCallPlugin(menu->plugin, TVPMCallSite::kMenu, [&] { handler(menuRef, itemRef); });
             return 0;
         }
     }
@@ -289,15 +295,10 @@ int TVPMHandleMenuItemEnable(intptr_t menuIndex, int itemIndex) {
 }
 
 void TVPMMenuCleanupHook(TVPMPluginID id) {
-    for (size_t i = 0; i < gMenus.size();) {
-        TVPMMenuInfo_t* menu = gMenus[i].get();
-        if (menu->plugin != id) {
-            ++i;
-            continue;
-        }
+    gMenus.RemoveOwnedBy(id, [](TVPMMenuInfo_t* menu) {
         gHooks->TVPMDestroyMenu_f(menu->menuHandle);
-        ForgetMenu(menu);
-    }
+        ForgetSharedMenu(menu);
+    });
     RemoveItemsOf(gPluginMenu, id);
     RemoveItemsOf(gAircraftMenu, id);
 }

@@ -11,6 +11,9 @@ TVPMResourceList<TVPMFlightLoopRecord> gFlightLoops;
 int gLastCallNumber = 0;
 float gLastCallTime = 0;
 
+TVPM_FAMILY_RECORD_COUNT("flight loops",
+                         [](TVPMPluginID id) { return gFlightLoops.CountOwnedBy(id); });
+
 namespace {
 
 constexpr int kCreateStructSize = 24;
@@ -23,7 +26,6 @@ std::array<TVPMFlightLoopDueTable, kPhaseCount>& s_due =
     *new std::array<TVPMFlightLoopDueTable, kPhaseCount>;
 // The records handed out and not yet removed: handles are checked against it.
 std::unordered_set<const void*>& s_live = *new std::unordered_set<const void*>;
-int s_walk_depth = 0;
 
 float HostElapsedTime() { return gHooks ? gHooks->TVPMGetElapsedTime_f() : 0.0f; }
 
@@ -31,28 +33,23 @@ TVPMFlightLoopDueTable* TableFor(TVPMFlightLoopPhaseType phase) {
     return static_cast<unsigned>(phase) < kPhaseCount ? &s_due[static_cast<unsigned>(phase)] : nullptr;
 }
 
+// The due tables keep their holes while anything holds gFlightLoops.
 void CompactIfIdle() {
-    if (s_walk_depth != 0) return;
+    if (gFlightLoops.IterationDepth() != 0) return;
     for (TVPMFlightLoopDueTable& table : s_due)
         if (table.NeedsCompacting()) table.Compact();
 }
 
-// Brackets a walk: removals during it are deferred, in the list and in the
-// due tables alike, and purged when the outermost walk ends.
-class StFlightLoopWalk {
-public:
-    StFlightLoopWalk() {
-        gFlightLoops.BeginIterate();
-        ++s_walk_depth;
+// Runs walk with gFlightLoops held: removals during it are deferred, in the
+// list and in the due tables alike, and purged when the outermost hold ends.
+template <class F>
+void WhileHeld(F&& walk) {
+    {
+        TVPMListHold<TVPMFlightLoopRecord> hold(gFlightLoops);
+        walk();
     }
-    ~StFlightLoopWalk() {
-        gFlightLoops.EndIterate();
-        --s_walk_depth;
-        CompactIfIdle();
-    }
-    StFlightLoopWalk(const StFlightLoopWalk&) = delete;
-    StFlightLoopWalk& operator=(const StFlightLoopWalk&) = delete;
-};
+    CompactIfIdle();
+}
 
 TVPMFlightLoopRecord* LiveRecord(TVPMFlightLoopID id) {
     return id && s_live.count(id) ? static_cast<TVPMFlightLoopRecord*>(id) : nullptr;
@@ -62,9 +59,15 @@ void Reschedule(TVPMFlightLoopRecord* r) {
     if (TVPMFlightLoopDueTable* table = TableFor(r->phase)) table->Refresh(r);
 }
 
-void RemoveRecord(TVPMFlightLoopRecord* r) {
+// Takes the record out of the handle set and its due table; the list entry
+// is the caller's to remove.
+void Unschedule(TVPMFlightLoopRecord* r) {
     if (s_live.erase(r))
         if (TVPMFlightLoopDueTable* table = TableFor(r->phase)) table->Remove(r);
+}
+
+void RemoveRecord(TVPMFlightLoopRecord* r) {
+    Unschedule(r);
     gFlightLoops.Remove(r);
     CompactIfIdle();
 }
@@ -91,15 +94,12 @@ void ReportBadCreateParams(const TVPMCreateFlightLoop_t& p) {
 // Runs one due loop in its owner's context, timed, and stores its answer as
 // the next schedule. A disabled owner's loop stays due, untouched.
 void RunDue(TVPMFlightLoopRecord* r, float now) {
-    StDispatchCallback scope(r->plugin);
-    if (!scope()) return;
-    StCallbackTimer timer(tvpm_cb_flight_loop, r->plugin);
-    float next = r->interval;
-    try {
-        next = r->callback(now - r->lastCallTime, now, gLastCallNumber, r->refcon);
-    } catch (...) {
-        // A throwing loop keeps its schedule; nothing unwinds into the host.
-    }
+    float next = r->interval;  // a throwing loop keeps its schedule
+    const TVPMCalled called =
+        TVPMCallPluginTimed(r->plugin, TVPMCallSite::kFlightLoop, tvpm_cb_flight_loop, [&] {
+            next = r->callback(now - r->lastCallTime, now, gLastCallNumber, r->refcon);
+        });
+    if (called == TVPMCalled::kNo) return;
     r->interval = next;
     r->lastCallTime = now;
     r->lastCallNumber = gLastCallNumber;
@@ -110,9 +110,11 @@ void RunDue(TVPMFlightLoopRecord* r, float now) {
 // dead ones included; stops when it returns false.
 template <class F>
 void ForEachMatching(TVPMFlightLoop_f cb, void* refcon, F&& f) {
-    StFlightLoopWalk walk;
-    for (TVPMFlightLoopRecord* r = gFlightLoops.Head(); r; r = r->get_next())
-        if (r->callback == cb && r->refcon == refcon && !f(r)) return;
+    WhileHeld([&] {
+        TVPMWalk<TVPMFlightLoopRecord, TVPMVisit::kLiveAndRemoved> walk(gFlightLoops);
+        while (TVPMFlightLoopRecord* r = walk.Next())
+            if (r->callback == cb && r->refcon == refcon && !f(r)) return;
+    });
 }
 
 }  // namespace
@@ -226,8 +228,7 @@ TVPM_API void TVPMSetFlightLoopCallbackInterval(TVPMFlightLoop_f inFlightLoop, f
 
 void TVPMDoFlightLoopProcessing(float inElapsedTime, int inEvent) {
     ++gLastCallNumber;
-    {
-        StFlightLoopWalk walk;
+    WhileHeld([&] {
         const TVPMFlightLoopDueTable& table = s_due[inEvent != 0 ? 1 : 0];
         const float now = inElapsedTime;
         const float cycle = static_cast<float>(gLastCallNumber);
@@ -236,14 +237,13 @@ void TVPMDoFlightLoopProcessing(float inElapsedTime, int inEvent) {
             const TVPMFlightLoopDue& e = table[i];
             if ((now >= e.dueTime) | (cycle >= e.dueCycle)) RunDue(e.record, now);
         }
-    }
+    });
     // A reload asked for during the pass runs only once the walk is over, so
     // that no callback's plugin is unloaded under it.
     if (gScheduleReload) TVPMReloadPluginsInternal();
 }
 
 void TVPMProcessingCleanupHook(TVPMPluginID id) {
-    StFlightLoopWalk walk;
-    for (TVPMFlightLoopRecord* r = gFlightLoops.Head(); r; r = r->get_next())
-        if (!r->is_dead() && r->plugin == id) RemoveRecord(r);
+    gFlightLoops.RemoveOwnedBy(id, Unschedule);
+    CompactIfIdle();
 }

@@ -1,7 +1,6 @@
 // TVPMUtilitiesCommands.cpp: commands, their handler chains, commands held by plugins and legacy keys and buttons.
 #include <algorithm>
 #include <cstring>
-#include <list>
 #include <map>
 #include <set>
 #include <utility>
@@ -18,16 +17,15 @@ struct TVPMCommandCB_t {
     TVPMCommandCallback_f callback;
     TVPMPluginID plugin;
     void* refcon;
-    // Unregistered while a dispatch was walking the chains; erased when the
-    // outermost dispatch ends, so that no walk stands on an erased node.
-    bool dead = false;
 
     bool operator==(const TVPMCommandCB_t& o) const {
         return callback == o.callback && plugin == o.plugin && refcon == o.refcon;
     }
 };
 
-using TVPMCommandCBList = std::list<TVPMCommandCB_t>;
+// One command's handlers in registration order. Before-handlers are walked
+// newest first, after-handlers oldest first.
+using TVPMCommandCBList = TVPMRecordSet<TVPMCommandCB_t>;
 using TVPMCommandCBTable = std::map<TVPMCommandRef, TVPMCommandCBList>;
 using TVPMCommandMap = std::map<TVPMPluginID, std::set<TVPMCommandRef>>;
 
@@ -36,8 +34,18 @@ TVPMCommandCBTable gPostHooks;
 TVPMCommandMap gCommandMap;
 std::vector<int> gButtons;
 
-int s_dispatchDepth = 0;
-bool s_needsPurge = false;
+size_t CountHandlersOf(TVPMPluginID id) {
+    size_t n = 0;
+    for (const TVPMCommandCBTable* table : {&gPreHooks, &gPostHooks})
+        for (const auto& entry : *table) n += entry.second.CountOwnedBy(id);
+    return n;
+}
+
+TVPM_FAMILY_RECORD_COUNT("command handlers", CountHandlersOf);
+TVPM_FAMILY_RECORD_COUNT("held commands", [](TVPMPluginID id) {
+    auto found = gCommandMap.find(id);
+    return found == gCommandMap.end() ? size_t{0} : found->second.size();
+});
 
 constexpr const char* kSimPrefix = "sim/";
 constexpr size_t kSimPrefixLength = 4;
@@ -50,41 +58,8 @@ TVPMCommandPhase PhaseFor(int inDown, int inUp) {
     return tvpm_CommandContinue;
 }
 
-// Erases a handler at once, or only marks it while a dispatch is walking.
-void DropHandler(TVPMCommandCBList& list, TVPMCommandCBList::iterator it) {
-    if (s_dispatchDepth == 0) {
-        list.erase(it);
-    } else {
-        it->dead = true;
-        s_needsPurge = true;
-    }
-}
-
-void PurgeDeadHandlers() {
-    auto isDead = [](const TVPMCommandCB_t& cb) { return cb.dead; };
-    for (TVPMCommandCBTable* table : {&gPreHooks, &gPostHooks})
-        for (auto& entry : *table) entry.second.remove_if(isDead);
-    s_needsPurge = false;
-}
-
-class StCommandDispatch {
-public:
-    StCommandDispatch() { ++s_dispatchDepth; }
-    ~StCommandDispatch() {
-        if (--s_dispatchDepth == 0 && s_needsPurge) PurgeDeadHandlers();
-    }
-    StCommandDispatch(const StCommandDispatch&) = delete;
-    StCommandDispatch& operator=(const StCommandDispatch&) = delete;
-};
-
 void DropPluginHandlers(TVPMCommandCBTable& table, TVPMPluginID id) {
-    for (auto& entry : table) {
-        TVPMCommandCBList& list = entry.second;
-        for (auto it = list.begin(); it != list.end();) {
-            auto here = it++;
-            if (here->plugin == id && !here->dead) DropHandler(list, here);
-        }
-    }
+    for (auto& entry : table) entry.second.RemoveOwnedBy(id);
 }
 
 bool IsHeldBy(TVPMPluginID id, TVPMCommandRef cmd) {
@@ -134,13 +109,7 @@ TVPM_API void TVPMCommandOnce(TVPMCommandRef inCommand) {
 TVPM_API void TVPMRegisterCommandHandler(TVPMCommandRef inCommand, TVPMCommandCallback_f inHandler,
                                          int inBefore, void* inRefcon) {
     if (!inHandler) return;
-    TVPMCommandCBList& list = TableFor(inBefore)[inCommand];
-    TVPMCommandCB_t cb{inHandler, gDispatchedPlugin, inRefcon};
-    // The newest before-handler runs first; after-handlers run in the order registered.
-    if (inBefore)
-        list.push_front(cb);
-    else
-        list.push_back(cb);
+    TableFor(inBefore)[inCommand].Add(new TVPMCommandCB_t{inHandler, gDispatchedPlugin, inRefcon});
 }
 
 TVPM_API void TVPMUnregisterCommandHandler(TVPMCommandRef inCommand,
@@ -148,9 +117,13 @@ TVPM_API void TVPMUnregisterCommandHandler(TVPMCommandRef inCommand,
                                            void* inRefcon) {
     TVPMCommandCBList& list = TableFor(inBefore)[inCommand];
     const TVPMCommandCB_t wanted{inHandler, gDispatchedPlugin, inRefcon};
-    auto found = std::find_if(list.begin(), list.end(),
-                              [&](const TVPMCommandCB_t& cb) { return !cb.dead && cb == wanted; });
-    if (found != list.end()) DropHandler(list, found);
+    TVPMCommandCB_t* found = nullptr;
+    for (TVPMSetWalk<TVPMCommandCB_t> walk(list, inBefore != 0); TVPMCommandCB_t* cb = walk.Next();)
+        if (*cb == wanted) {
+            found = cb;
+            break;
+        }
+    if (found) list.Remove(found);
 }
 
 int TVPMDispatchCommandHook(void* inCmdRef, int inDown, int inUp, int inBefore) {
@@ -158,12 +131,12 @@ int TVPMDispatchCommandHook(void* inCmdRef, int inDown, int inUp, int inBefore) 
     auto found = table.find(inCmdRef);
     if (found == table.end() || found->second.empty()) return 1;
     const TVPMCommandPhase phase = PhaseFor(inDown, inUp);
-    StCommandDispatch walking;
-    for (TVPMCommandCB_t& cb : found->second) {
-        if (cb.dead) continue;
-        StDispatchCallback scope(cb.plugin);
-        if (!scope()) continue;
-        if (cb.callback(inCmdRef, phase, cb.refcon) == 0) return 0;
+    for (TVPMSetWalk<TVPMCommandCB_t> walk(found->second, inBefore != 0);
+         TVPMCommandCB_t* cb = walk.Next();) {
+        int passOn = 1;
+        TVPMCallPlugin(cb->plugin, TVPMCallSite::kCommand,
+                       [&] { passOn = cb->callback(inCmdRef, phase, cb->refcon); });
+        if (passOn == 0) return 0;
     }
     return 1;
 }
