@@ -1,27 +1,33 @@
-// CheckMode.cpp: runs the check of every plugin in a child process of its own and reports pass or fail.
+// CheckMode.cpp: runs the check of every plugin in a child process of its own, judges it and reports.
 #include "CheckMode.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
-#include "HostLog.h"
+#include "CheckReports.h"
+#include "CheckSignals.h"
+#include "CheckVerdicts.h"
 #include "Modes.h"
-#include "Report.h"
 #include "SimLayout.h"
 
 namespace tvpmhost {
 
 namespace {
 
-constexpr unsigned kChildSeconds = 120;
 constexpr long kDefaultStepFrames = 60;
+constexpr long kDefaultFuzzRounds = 200;
+constexpr int kFuzzDefaultLevel = 3;
+// Steps a child goes through; the parent's own limit is this many step timeouts.
+constexpr unsigned kStepsPerChild = 12;
 
 std::vector<CheckUnit> FindUnits(const HostOptions& o) {
     std::vector<CheckUnit> units;
@@ -38,173 +44,243 @@ std::vector<CheckUnit> FindUnits(const HostOptions& o) {
     return units;
 }
 
-std::string Slurp(const std::string& file) {
+void ReadFindings(const std::string& file, CheckResult& r) {
+    std::istringstream in(FileText(file));
+    for (std::string line; std::getline(in, line);) {
+        Finding f;
+        if (ParseFindingLine(line, f)) r.findings.push_back(f);
+        else if (line.rfind("name\t", 0) == 0) r.name = line.substr(5);
+        else if (line.rfind("timing\t", 0) == 0) r.timing.push_back(line.substr(7));
+        else if (line.rfind("frame\t", 0) == 0) r.frameSeries.push_back(line.substr(6));
+        else if (line.rfind("framecount\t", 0) == 0) r.frameCount = std::stol(line.substr(11));
+    }
+}
+
+// "Violation by <name> (<signature> - <path>)": the only place the name is
+// known when the plugin died while starting.
+std::string NameFromViolation(const CheckResult& r) {
+    for (auto& f : r.findings)
+        if (f.check == "threads" && f.message.rfind("Violation by ", 0) == 0)
+            return f.message.substr(13, f.message.rfind(" (") - 13);
+    return "";
+}
+
+void RunChild(const CheckParams& p) {
+    // The library prints thread-check reports on standard output: keep them
+    // out of the report, they reach it through the log.
+    const int quiet = open((p.root + "check.out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (quiet >= 0) {
+        dup2(quiet, STDOUT_FILENO);
+        dup2(quiet, STDERR_FILENO);
+        close(quiet);
+    }
+    const int crash = open((p.root + "check.crash").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    InstallCrashReport(crash, p.timeoutSeconds);
+    CheckInThisProcess(p);
+    fflush(nullptr);
+    _exit(0);
+}
+
+// Waits for the child; kills it when it outlives every step's timeout (a
+// hang the step timer could not report).
+int WaitForChild(pid_t child, unsigned timeoutSeconds, bool& killed) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds * kStepsPerChild);
+    int status = 0;
+    for (;;) {
+        const pid_t done = waitpid(child, &status, WNOHANG);
+        if (done == child) return status;
+        if (done < 0) return -1;
+        if (timeoutSeconds && std::chrono::steady_clock::now() > deadline && !killed) {
+            kill(child, SIGKILL);
+            killed = true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
+void ExplainExit(int status, bool killed, CheckResult& r) {
+    if (killed) {
+        r.findings.push_back({"lifecycle", "?", Outcome::kTimeout, "the simulator process did not finish and was killed"});
+    } else if (WIFSIGNALED(status)) {
+        r.findings.push_back({"lifecycle", "?", Outcome::kCrash,
+                              std::string("the simulator process died: ") + strsignal(WTERMSIG(status))});
+    } else if (WIFEXITED(status) && WEXITSTATUS(status) != 0 && WEXITSTATUS(status) != kCrashExitStatus &&
+               WEXITSTATUS(status) != kTimeoutExitStatus) {
+        r.findings.push_back({"lifecycle", "?", Outcome::kCrash,
+                              "the simulator process exited with status " + std::to_string(WEXITSTATUS(status))});
+    }
+}
+
+bool Prepare(const CheckUnit& unit, const std::string& root, CheckParams& p, CheckResult& r) {
+    std::string error;
+    if (!MakeSimulatorFolder(root, error)) {
+        r.findings.push_back({"load", "start", Outcome::kFail, error});
+        return false;
+    }
+    if (unit.aircraft) {
+        p.acfPath = AddAircraftPlugin(root, unit.source, error);
+        if (!p.acfPath.empty())
+            for (auto& copied : AircraftPluginsOf(p.acfPath.substr(0, p.acfPath.rfind('/'))))
+                r.library = FatLibraryOf(copied);
+    } else {
+        r.library = AddPlugin(root, unit.source, error);
+        // An aircraft without plugins: the plugin only hears of its load and unload.
+        p.acfPath = root + "Aircraft/Empty/Empty.acf";
+    }
+    if (!error.empty() || r.library.empty()) {
+        r.findings.push_back({"load", "start", Outcome::kFail, error.empty() ? unit.source + " holds no plugin library" : error});
+        return false;
+    }
+    return true;
+}
+
+CheckResult CheckOne(const CheckUnit& unit, CheckParams p) {
+    CheckResult r;
+    r.unit = unit;
+    const auto began = std::chrono::steady_clock::now();
+    TempFolder temp;
+    p.unit = unit;
+    p.root = temp.Path();
+    p.resultFile = p.root + "check.result";
+    p.logFile = p.root + "check.log";
+    if (!temp.Ok()) {
+        r.findings.push_back({"load", "start", Outcome::kFail, "cannot create a temporary simulator folder"});
+        return r;
+    }
+    if (Prepare(unit, p.root, p, r)) {
+        p.pluginPath = r.library;
+        fflush(nullptr);
+        const pid_t child = fork();
+        if (child == 0) RunChild(p);
+        bool killed = false;
+        const int status = child < 0 ? -1 : WaitForChild(child, p.timeoutSeconds, killed);
+        ReadFindings(p.resultFile, r);
+        r.log = FileText(p.logFile);
+        JudgeLog(r);
+        const CrashReport crash = ReadCrash(p.root + "check.crash", r.library);
+        JudgeCrash(r, crash, p.seed, p.fuzzRounds > 0);
+        if (crash.kind.empty()) ExplainExit(status, killed, r);
+        JudgeTiming(r, p.fps, p.selection.level);
+    }
+    if (r.name.empty()) r.name = NameFromViolation(r);
+    if (r.name.empty()) r.name = unit.source.substr(unit.source.find_last_of('/', unit.source.size() - 2) + 1);
+    r.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+    return r;
+}
+
+CheckParams ParamsFrom(const HostOptions& o) {
+    CheckParams p;
+    p.library = Absolute(o.library.empty() ? DefaultLibrary() : o.library);
+    p.frames = o.frames > 0 ? o.frames : kDefaultStepFrames;
+    p.fps = o.fps;
+    p.selection = {o.only, o.skip, o.level > 0 ? o.level : kDefaultLevel};
+    p.timeoutSeconds = static_cast<unsigned>(o.timeoutSeconds);
+    p.seed = o.seedGiven ? o.seed : static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) % 1000000007ULL;
+    p.fuzzRounds = o.fuzzRounds >= 0 ? o.fuzzRounds : p.selection.level >= kFuzzDefaultLevel ? kDefaultFuzzRounds : 0;
+    return p;
+}
+
+// 4 when a plugin hung, else 3 when one crashed, else 1 when one failed.
+int ExitStatus(const std::vector<CheckResult>& results, const CheckSelection& s, bool strict) {
+    int status = 0;
+    for (auto& r : results)
+        for (auto& f : r.findings) {
+            if (f.outcome == Outcome::kTimeout) status = std::max(status, 4);
+            if (f.outcome == Outcome::kCrash) status = std::max(status, 3);
+        }
+    if (status) return status;
+    for (auto& r : results)
+        if (!r.Passed(s, strict)) return 1;
+    return 0;
+}
+
+}  // namespace
+
+std::string FileText(const std::string& file) {
     std::ifstream in(file);
     std::stringstream s;
     s << in.rdbuf();
     return s.str();
 }
 
-void ReadFindings(const std::string& file, CheckResult& r) {
-    std::istringstream in(Slurp(file));
-    for (std::string line; std::getline(in, line);) {
-        const size_t tab = line.find('\t');
-        if (tab == std::string::npos) continue;
-        const std::string kind = line.substr(0, tab), text = line.substr(tab + 1);
-        if (kind == "problem") r.problems.push_back(text);
-        if (kind == "warning") r.warnings.push_back(text);
-        if (kind == "slowest") r.slowest.push_back(text);
-        if (kind == "note") r.notes.push_back(text);
-        if (kind == "name") r.name = text;
-    }
+std::string FindingLine(const Finding& f) {
+    std::string message = f.message;
+    for (auto& c : message)
+        if (c == '\n') c = '\r';
+    return "finding\t" + f.check + "\t" + f.step + "\t" + OutcomeName(f.outcome) + "\t" + message;
 }
 
-// The first report line a sanitizer or the C++ runtime left on the child's output.
-std::string CrashReport(const std::string& outFile) {
-    std::istringstream in(Slurp(outFile));
-    for (std::string line; std::getline(in, line);)
-        if (line.find("ERROR: ") != std::string::npos || line.find("terminate called") != std::string::npos)
-            return line.substr(line.find_first_not_of("= 0123456789"));
-    return "";
+bool ParseFindingLine(const std::string& line, Finding& f) {
+    const std::vector<std::string> fields = Fields(line);
+    if (fields.size() < 5 || fields[0] != "finding") return false;
+    f = {fields[1], fields[2], OutcomeFromName(fields[3]), fields[4]};
+    for (auto& c : f.message)
+        if (c == '\r') c = '\n';
+    return true;
 }
 
-// What a child that did not finish left in its log.
-void ExplainDeath(int status, const std::string& logFile, const std::string& outFile, CheckResult& r) {
-    HostLog log;
-    std::istringstream in(Slurp(logFile));
-    for (std::string line; std::getline(in, line);) ParseLogLine(line, log);
-    for (auto& v : log.violations) {
-        r.problems.push_back("threading violation: " + v);
-        // "Violation by <name> (<signature> - <path>)": the only place the
-        // name is known when the plugin died while starting.
-        if (r.name.empty() && v.rfind("Violation by ", 0) == 0) r.name = v.substr(13, v.rfind(" (") - 13);
-    }
-    if (WIFSIGNALED(status)) {
-        const int sig = WTERMSIG(status);
-        r.problems.push_back(sig == SIGALRM ? "did not finish within " + std::to_string(kChildSeconds) + " s"
-                                            : std::string("the simulator process died: ") + strsignal(sig));
-    } else if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
-        r.problems.push_back("the simulator process exited with status " + std::to_string(WEXITSTATUS(status)));
-    }
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        if (const std::string report = CrashReport(outFile); !report.empty()) r.problems.push_back(report);
+// A crash or hang counts even in a check left out: it ended the process.
+Outcome CheckResult::Of(const std::string& check, const CheckSelection& s) const {
+    Outcome worst = Outcome::kPass;
+    for (auto& f : findings)
+        if (f.check == check && f.outcome > worst) worst = f.outcome;
+    return s.Selected(check) || worst >= Outcome::kCrash ? worst : Outcome::kSkipped;
 }
 
-void RunChild(const CheckUnit& unit, const std::string& root, const std::string& library,
-              const std::string& plugin, const std::string& acf, long frames, double fps) {
-    // The library prints thread-check reports on standard output: keep them
-    // out of the report, they reach it through the log.
-    const int quiet = open((root + "check.out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (quiet >= 0) {
-        dup2(quiet, STDOUT_FILENO);
-        dup2(quiet, STDERR_FILENO);
-        close(quiet);
+bool CheckResult::Passed(const CheckSelection& s, bool strict) const {
+    for (auto& c : AllChecks()) {
+        const Outcome o = Of(c.name, s);
+        if (o >= Outcome::kFail || (o == Outcome::kWarn && strict)) return false;
     }
-    alarm(kChildSeconds);
-    CheckInThisProcess(unit, root, library, plugin, acf, frames, fps, root + "check.result",
-                       root + "check.log");
-    fflush(nullptr);
-    _exit(0);
+    return true;
 }
-
-CheckResult CheckOne(const CheckUnit& unit, const HostOptions& o, const std::string& library) {
-    CheckResult r;
-    r.unit = unit;
-    TempFolder temp;
-    std::string error;
-    const std::string root = temp.Path();
-    std::string acf;
-    if (!temp.Ok() || !MakeSimulatorFolder(root, error)) {
-        r.problems.push_back(error.empty() ? "cannot create a temporary simulator folder" : error);
-        return r;
-    }
-    if (unit.aircraft) {
-        acf = AddAircraftPlugin(root, unit.source, error);
-        if (!acf.empty())
-            for (auto& copied : AircraftPluginsOf(acf.substr(0, acf.rfind('/'))))
-                r.library = FatLibraryOf(copied);
-    } else {
-        r.library = AddPlugin(root, unit.source, error);
-        // An aircraft without plugins: the plugin only hears of its load and unload.
-        acf = root + "Aircraft/Empty/Empty.acf";
-    }
-    if (!error.empty() || r.library.empty()) {
-        r.problems.push_back(error.empty() ? unit.source + " holds no plugin library" : error);
-        return r;
-    }
-    const long frames = o.frames > 0 ? o.frames : kDefaultStepFrames;
-    fflush(nullptr);
-    const pid_t child = fork();
-    if (child == 0) RunChild(unit, root, library, r.library, acf, frames, o.fps);
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
-        r.problems.push_back("cannot start the simulator process");
-        return r;
-    }
-    ReadFindings(root + "check.result", r);
-    ExplainDeath(status, root + "check.log", root + "check.out", r);
-    r.log = Slurp(root + "check.log");
-    if (r.name.empty()) r.name = unit.source.substr(unit.source.rfind('/') + 1);
-    return r;
-}
-
-void PrintResult(const CheckResult& r, bool strict) {
-    printf("%s  %s%s\n", r.Passed(strict) ? "PASS" : "FAIL", r.name.c_str(), r.unit.aircraft ? " (aircraft)" : "");
-    printf("      %s\n", r.unit.source.c_str());
-    for (auto& p : r.problems) printf("      problem: %s\n", p.c_str());
-    for (auto& w : r.warnings) printf("      warning: %s\n", w.c_str());
-    for (auto& n : r.notes) printf("      note:    %s\n", n.c_str());
-    for (auto& s : r.slowest) printf("      slowest: %s\n", s.c_str());
-}
-
-bool WriteCheckJson(const std::vector<CheckResult>& results, bool strict, bool ok, const std::string& file) {
-    std::ofstream out(file);
-    out << "{\"mode\":\"check\",\"strict\":" << (strict ? "true" : "false") << ",\"ok\":" << (ok ? "true" : "false")
-        << ",\"plugins\":[";
-    for (size_t i = 0; i < results.size(); ++i) {
-        const CheckResult& r = results[i];
-        out << (i ? "," : "") << "{\"source\":" << JsonString(r.unit.source) << ",\"name\":" << JsonString(r.name)
-            << ",\"library\":" << JsonString(r.library) << ",\"aircraft\":" << (r.unit.aircraft ? "true" : "false")
-            << ",\"passed\":" << (r.Passed(strict) ? "true" : "false") << ",\"problems\":" << JsonList(r.problems)
-            << ",\"warnings\":" << JsonList(r.warnings) << ",\"slowest\":" << JsonList(r.slowest)
-            << ",\"notes\":" << JsonList(r.notes) << "}";
-    }
-    out << "]}\n";
-    return static_cast<bool>(out);
-}
-
-}  // namespace
 
 int RunCheck(const HostOptions& o) {
+    for (auto& p : o.plugins)
+        if (access(p.c_str(), F_OK) != 0) {
+            fprintf(stderr, "tvpm-host: %s does not exist\n", p.c_str());
+            return 2;
+        }
     const std::vector<CheckUnit> units = FindUnits(o);
     if (units.empty()) {
         fprintf(stderr, "tvpm-host: no plugins to check\n");
         return 2;
     }
-    const std::string library = Absolute(o.library.empty() ? DefaultLibrary() : o.library);
-    std::vector<CheckResult> results;
-    bool ok = true;
-    printf("Checking %zu plugin%s with %s\n\n", units.size(), units.size() == 1 ? "" : "s", library.c_str());
+    const CheckParams params = ParamsFrom(o);
+    if (const auto unmatched = UnmatchedPatterns(params.selection); !unmatched.empty()) {
+        fprintf(stderr, "tvpm-host: no check is called '%s' (see --list-checks)\n", unmatched[0].c_str());
+        return 2;
+    }
+    const bool strict = o.strict || params.selection.level >= kWarningsFailLevel;
     FILE* log = o.logFile.empty() ? nullptr : fopen(o.logFile.c_str(), "w");
     if (!o.logFile.empty() && !log) {
         fprintf(stderr, "tvpm-host: cannot write %s\n", o.logFile.c_str());
         return 2;
     }
+    printf("Checking %zu plugin%s at level %d with %s\n", units.size(), units.size() == 1 ? "" : "s",
+           params.selection.level, params.library.c_str());
+    if (params.fuzzRounds > 0 && params.selection.Selected("fuzz"))
+        printf("Fuzzing %ld rounds with seed %llu (replay with --seed %llu)\n", params.fuzzRounds,
+               static_cast<unsigned long long>(params.seed), static_cast<unsigned long long>(params.seed));
+    printf("\n");
+    std::vector<CheckResult> results;
     for (auto& unit : units) {
-        results.push_back(CheckOne(unit, o, library));
+        results.push_back(CheckOne(unit, params));
         if (log) fprintf(log, "==== %s\n%s", unit.source.c_str(), results.back().log.c_str());
-        ok = ok && results.back().Passed(o.strict);
-        PrintResult(results.back(), o.strict);
+        PrintResult(results.back(), params.selection, strict);
     }
     if (log) fclose(log);
-    size_t passed = 0;
-    for (auto& r : results) passed += r.Passed(o.strict);
-    printf("\n%zu of %zu plugins passed%s\n", passed, results.size(), o.strict ? " (strict)" : "");
-    if (!o.reportFile.empty() && !WriteCheckJson(results, o.strict, ok, o.reportFile)) {
-        fprintf(stderr, "tvpm-host: cannot write %s\n", o.reportFile.c_str());
+    const int status = ExitStatus(results, params.selection, strict);
+    PrintTotals(results, params.selection, strict, status);
+    const ReportContext context{params, strict, status};
+    std::string error;
+    if ((!o.reportFile.empty() && !WriteCheckJson(results, context, o.reportFile)) ||
+        (!o.junitFile.empty() && !WriteJUnit(results, context, o.junitFile)) ||
+        (!o.htmlFile.empty() && !WriteHtml(results, context, o.htmlFile))) {
+        fprintf(stderr, "tvpm-host: cannot write a report file\n");
         return 2;
     }
-    return ok ? 0 : 1;
+    return status;
 }
 
 }  // namespace tvpmhost

@@ -1,21 +1,22 @@
-// CheckSteps.cpp: the life a checked plugin is driven through, and what is read out of it.
+// CheckSteps.cpp: the life a checked plugin is driven through in the child, and what is read out of it.
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
-#include <set>
+#include <cstdlib>
 
 #include "CheckMode.h"
-#include "SimServices.h"
-#include "SimSound.h"
+#include "CheckSignals.h"
 #include "SimWorld.h"
-#include "Simulator.h"
 #include "TVPMApi.h"
 
 namespace tvpmhost {
 
 namespace {
+
+// Time left to threads the plugin did not stop to run into its unloaded code.
+constexpr useconds_t kLateThreadGraceUs = 300 * 1000;
 
 class Findings {
 public:
@@ -23,10 +24,14 @@ public:
     ~Findings() {
         if (out_) fclose(out_);
     }
-    void Add(const char* kind, const std::string& text) {
+    void Add(const char* check, Outcome outcome, const std::string& message) {
+        Add(Finding{check, CurrentStep(), outcome, message});
+    }
+    void Add(const Finding& f) { Raw(FindingLine(f)); }
+    void Raw(const std::string& line) {
         if (!out_) return;
-        fprintf(out_, "%s\t%s\n", kind, text.c_str());
-        fflush(out_);  // a later abort must not lose what was found so far
+        fprintf(out_, "%s\n", line.c_str());
+        fflush(out_);  // a later crash must not lose what was found so far
     }
 
 private:
@@ -41,116 +46,135 @@ std::string FailureReason(const HostLog& log, const std::string& path) {
     return "TVPM did not load it (no library in a layout TVPM looks for?)";
 }
 
-void CheckStillMapped(const std::string& path, const char* when, Findings& f) {
-    void* h = dlopen(path.c_str(), RTLD_NOLOAD | RTLD_LAZY);
-    if (!h) return;
-    dlclose(h);
-    f.Add("problem", std::string("plugin code still mapped after ") + when +
-                         ": its library was not unloaded (a thread still running, or symbols "
-                         "that pin it, such as C++ unique globals)");
+// Marks the step and remembers where the plugin's code is for crash reports.
+void Step(Simulator& sim, const char* step, const std::string& path) {
+    SetStep(step);
+    WatchPluginCode(path);
+    sim.log.Flush();
+    if (!sim.log.file) return;
+    fprintf(sim.log.file, "%s%s\n", kStepMarker, step);
+    fflush(sim.log.file);
 }
 
-void ReportLeftBehind(const std::string& path, Findings& f) {
-    std::map<std::string, int> seen;
-    for (auto& l : World().leftBehind)
-        if (l.owner == path)
-            ++seen[l.kind + " '" + l.name + "' " +
-                   (l.releasedBy.empty() ? "was still in the simulator after unload"
-                                         : "was not released by the plugin (TVPM's clean-up did it)")];
-    for (auto& [text, count] : seen)
-        f.Add("problem", "left behind: " + text + (count > 1 ? " (at each of " + std::to_string(count) + " unloads)" : ""));
+bool StillLoaded(const std::string& path, TVPMPluginID& id, Findings& f, const char* after) {
+    id = Api().FindPluginByPath(path.c_str());
+    if (id >= 0 && Api().IsPluginEnabled(id)) return true;
+    f.Add("lifecycle", Outcome::kFail, std::string("was not loaded and enabled after ") + after);
+    return false;
 }
 
-void ReportTimings(const Simulator& sim, const std::string& path, Findings& f) {
-    auto it = sim.timings.find(path);
-    if (it == sim.timings.end()) return;
-    std::vector<std::pair<int, TimingStat>> rows(it->second.begin(), it->second.end());
-    std::sort(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.second.maxUs > b.second.maxUs; });
-    for (size_t i = 0; i < rows.size() && i < 3; ++i) {
-        char line[200];
-        snprintf(line, sizeof line, "%s: %ld calls, mean %.1f us, max %.1f us", CategoryName(rows[i].first),
-                 rows[i].second.calls, rows[i].second.MeanUs(), rows[i].second.maxUs);
-        f.Add("slowest", line);
-    }
-}
-
-void ReportLog(const Simulator& sim, Findings& f) {
-    for (auto& w : sim.log.loaderWarnings) f.Add("warning", w);
-    for (auto& w : sim.log.pluginWarnings) f.Add("warning", w);
-    for (auto& a : World().alerts)
-        if (a.rfind("Please place your new plugin", 0) != 0) f.Add("warning", "alert: " + a);
-    for (auto& a : World().assertions) f.Add("problem", "TVPM assertion failed: " + a);
+bool EnableAgain(TVPMPluginID id) {
+    InFlight call("TPluginEnable");
+    return Api().EnablePlugin(id) != 0;
 }
 
 // Start to shut-down; false when the plugin never got going.
-bool DriveLifecycle(Simulator& sim, const CheckUnit& unit, const std::string& path,
-                    const std::string& acfPath, long frames, Findings& f) {
+bool DriveLifecycle(Simulator& sim, const CheckParams& p, Findings& f) {
     TVPMApi& api = Api();
-    if (unit.aircraft) sim.LoadAircraft(acfPath);
+    const std::string& path = p.pluginPath;
+    if (p.unit.aircraft) {
+        Step(sim, "aircraft load", path);
+        sim.LoadAircraft(p.acfPath);
+    }
     TVPMPluginID id = api.FindPluginByPath(path.c_str());
     if (id < 0) {
-        f.Add("problem", "did not load: " + FailureReason(sim.log, path));
+        f.Add("load", Outcome::kFail, "did not load: " + FailureReason(sim.log, path));
         return false;
     }
-    f.Add("name", PluginName(id));
+    f.Raw("name\t" + PluginName(id));
+    Step(sim, "enable", path);
     if (!api.IsPluginEnabled(id)) {
-        f.Add("problem", "did not enable: TPluginEnable returned 0");
+        f.Add("load", Outcome::kFail, "did not enable: TPluginEnable returned 0");
         return false;
     }
-    sim.Frames(frames);
-    api.DisablePlugin(id);
-    sim.Frames(frames / 2);
-    if (!api.EnablePlugin(id)) f.Add("problem", "refused to enable again after being disabled");
-    sim.Frames(frames);
+    Step(sim, "frames", path);
+    sim.Frames(p.frames);
+    Step(sim, "disable", path);
+    {
+        InFlight call("TPluginDisable");
+        api.DisablePlugin(id);
+    }
+    sim.Frames(p.frames / 2);
+    Step(sim, "re-enable", path);
+    if (!EnableAgain(id)) f.Add("lifecycle", Outcome::kFail, "refused to enable again after being disabled");
+    sim.Frames(p.frames);
+    Step(sim, "reload", path);
     api.ReloadPlugins();  // runs at the end of the next flight-loop pass
     sim.Frame();
-    if ((id = api.FindPluginByPath(path.c_str())) < 0 || !api.IsPluginEnabled(id)) {
-        f.Add("problem", "did not come back after a reload of all plugins");
-        return false;
+    if (!StillLoaded(path, id, f, "a reload of all plugins")) return false;
+    WatchPluginCode(path);
+    sim.Frames(p.frames);
+    if (p.fuzzRounds > 0 && p.selection.Selected("fuzz")) {
+        Step(sim, "fuzz", path);
+        std::vector<Finding> fuzz;
+        FuzzPlugin(sim, p, fuzz);
+        for (auto& x : fuzz) f.Add(x);
+        if (!StillLoaded(path, id, f, "fuzzing")) return false;
     }
-    sim.Frames(frames);
-    if (unit.aircraft) {
+    if (p.unit.aircraft) {
+        Step(sim, "aircraft unload", path);
         sim.UnloadAircraft();
-        World().ReportAliveOf(path);
-        CheckStillMapped(path, "the aircraft was unloaded", f);
     } else {
-        sim.LoadAircraft(acfPath);
-        sim.Frames(frames / 2);
+        Step(sim, "aircraft load", path);
+        sim.LoadAircraft(p.acfPath);
+        sim.Frames(p.frames / 2);
+        Step(sim, "aircraft unload", path);
         sim.UnloadAircraft();
-        sim.Frames(frames / 2);
+        sim.Frames(p.frames / 2);
     }
     return true;
 }
 
+bool DiagnosticsWanted(const CheckSelection& s) {
+    for (const char* check : {"threads", "errors", "unknown-data", "leftovers"})
+        if (s.Selected(check)) return true;
+    return false;
+}
+
+void WriteTimings(const Simulator& sim, const CheckParams& p, Findings& f) {
+    f.Raw("framecount\t" + std::to_string(World().frame));
+    auto it = sim.timings.find(p.pluginPath);
+    if (it == sim.timings.end()) return;
+    for (auto& [category, t] : it->second) {
+        char line[300];
+        const double budgetShare = t.totalUs / std::max(1L, World().frame) / (1e6 / p.fps);
+        snprintf(line, sizeof line, "timing\t%s\t%ld\t%.0f\t%.2f\t%.0f\t%.0f\t%.4f\t%.0f", CategoryName(category),
+                 t.calls, t.totalUs, t.MeanUs(), t.PercentileUs(99), t.maxUs, budgetShare, t.MaxAfterFirstUs());
+        f.Raw(line);
+        for (auto& [frame, us] : t.usByFrame)
+            f.Raw("frame\t" + std::string(CategoryName(category)) + "\t" + std::to_string(frame) + "\t" +
+                  std::to_string(us));
+    }
+}
+
 }  // namespace
 
-void CheckInThisProcess(const CheckUnit& unit, const std::string& root, const std::string& library,
-                        const std::string& pluginPath, const std::string& acfPath, long frames,
-                        double fps, const std::string& resultFile, const std::string& logFile) {
-    Findings f(resultFile);
+void CheckInThisProcess(const CheckParams& p) {
+    Findings f(p.resultFile);
     Simulator sim;
-    sim.log.file = fopen(logFile.c_str(), "w");
+    sim.log.file = fopen(p.logFile.c_str(), "w");
+    CheckedPlugin plugin{p, sim, DirectoryNames("/proc/self/fd"), DirectoryNames("/proc/self/task")};
+    if (DiagnosticsWanted(p.selection)) setenv(TVPM_DIAGNOSTICS_ENVIRONMENT, "1", 1);
     std::string error;
-    if (!sim.Start(library, root, fps, error)) {
-        f.Add("problem", error);
-        ReportLog(sim, f);
+    Step(sim, "start", p.pluginPath);
+    if (!sim.Start(p.library, p.root, p.fps, error)) {
+        f.Add("load", Outcome::kFail, error);
         return;
     }
-    const bool ran = DriveLifecycle(sim, unit, pluginPath, acfPath, frames, f);
-    for (auto& held : WorldControlsStillHeld()) f.Add("warning", held);
+    const bool ran = DriveLifecycle(sim, p, f);
+    // Still running its last fuzzed command, perhaps: TVPM takes control back
+    // at disable and tells the plugin, so this is a note.
+    for (auto& held : WorldControlsStillHeld()) f.Add("world-services", Outcome::kPass, held);
+    Step(sim, "shut-down", p.pluginPath);
     sim.Shutdown();
-    if (ran) {
-        World().ReportAliveOf(pluginPath);
-        CheckStillMapped(pluginPath, "shut-down", f);
-    }
-    ReportLeftBehind(pluginPath, f);
-    AuditWorldServices(pluginPath, sim.log.pluginWarnings,
-                       [&f](const char* kind, const std::string& text) { f.Add(kind, text); });
-    for (auto& s : SoundLeftovers()) f.Add("problem", "left behind: " + s);
-    ReportLog(sim, f);
-    ReportTimings(sim, pluginPath, f);
-    for (auto& [path, n] : World().probesAllocated)
-        if (path == pluginPath) f.Add("note", "allocated " + std::to_string(n) + " terrain probe slots");
+    if (ran) World().ReportAliveOf(p.pluginPath);
+    std::vector<Finding> audits;
+    for (auto& check : AllChecks())
+        if (check.audit && p.selection.Selected(check)) check.audit(plugin, audits);
+    for (auto& x : audits) f.Add(x);
+    ReserveUnloadedCode();
+    usleep(kLateThreadGraceUs);
+    WriteTimings(sim, p, f);
     if (sim.log.file) fclose(sim.log.file);
     sim.log.file = nullptr;
 }

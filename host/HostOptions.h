@@ -1,6 +1,7 @@
 // HostOptions.h: tvpm-host's command line.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,16 @@ struct HostOptions {
     std::string logFile, reportFile;
     std::string audioOut;  // folder for one WAV per bus; "" = none
     bool quiet = false, check = false, strict = false, help = false;
+    // --check
+    std::vector<std::string> only, skip;  // check names or patterns
+    int level = -1;                       // -1: the default level
+    long timeoutSeconds = 10;             // per step
+    unsigned long long seed = 0;
+    bool seedGiven = false;
+    long fuzzRounds = -1;                 // -1: the default for the level
+    std::string junitFile, htmlFile;
+    // information
+    bool listChecks = false, version = false, listData = false;
 };
 
 // Parses argv; false with error set for a bad command line.

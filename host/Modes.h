@@ -8,5 +8,7 @@ namespace tvpmhost {
 // Each returns the process exit status.
 int RunHost(const HostOptions& options);
 int RunCheck(const HostOptions& options);
+// --version, --list-checks, --list-data.
+int RunInformation(const HostOptions& options);
 
 }  // namespace tvpmhost

@@ -35,6 +35,8 @@ void WriteBytes(char* target, size_t size, const void* in, int offset, int lengt
 TVPMDataRef Publish(const char* name, int type, int writable, TVPMGetDatai_f ri, TVPMSetDatai_f wi,
                     TVPMGetDataf_f rf, TVPMGetDatad_f rd, TVPMGetDatab_f rb, TVPMSetDatab_f wb,
                     void* ref) {
+    HostDataItems().push_back({name, type & ~(kDeprecated | kReplaced), writable != 0, (type & kDeprecated) != 0,
+                               (type & kReplaced) != 0});
     return Api().RegisterDataAccessor(name, type, writable, ri, wi, rf, nullptr, rd, nullptr,
                                       nullptr, nullptr, nullptr, nullptr, rb, wb, ref, ref);
 }
@@ -83,6 +85,11 @@ int PublishAll() {
 }
 
 }  // namespace
+
+std::vector<HostDataItem>& HostDataItems() {
+    static std::vector<HostDataItem> items;
+    return items;
+}
 
 int PublishHostDataItems() { return Api().RegisterDataAccessor ? PublishAll() : 0; }
 

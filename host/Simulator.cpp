@@ -1,6 +1,9 @@
 // Simulator.cpp: the frame loop and the simulator events sent to TVPM.
 #include "Simulator.h"
 
+#include <algorithm>
+
+#include "CheckSignals.h"
 #include "SimServices.h"
 #include "SimSound.h"
 #include "SimWorld.h"
@@ -24,11 +27,25 @@ void ReceiveTimings(uint64_t count, const TVPMPluginID* ids, const TVPMPluginCal
         TimingStat& s = (*s_collecting)[PluginPath(ids[i])][types[i]];
         ++s.calls;
         s.totalUs += microseconds[i];
+        s.samplesUs.push_back(microseconds[i]);
+        s.usByFrame[World().frame] += microseconds[i];
         if (microseconds[i] > s.maxUs) s.maxUs = microseconds[i];
     }
 }
 
 }  // namespace
+
+double TimingStat::PercentileUs(double p) const {
+    if (samplesUs.empty()) return 0;
+    std::vector<double> sorted(samplesUs);
+    const size_t at = std::min(sorted.size() - 1, static_cast<size_t>(p / 100 * sorted.size()));
+    std::nth_element(sorted.begin(), sorted.begin() + static_cast<long>(at), sorted.end());
+    return sorted[at];
+}
+
+double TimingStat::MaxAfterFirstUs() const {
+    return samplesUs.size() < 2 ? 0 : *std::max_element(samplesUs.begin() + 1, samplesUs.end());
+}
 
 const char* CategoryName(int category) {
     switch (category) {
@@ -56,6 +73,7 @@ bool Simulator::Start(const std::string& libraryPath, const std::string& root, d
         return false;
     }
     hostDataItems = PublishHostDataItems();
+    InFlight f("TPluginStart and TPluginEnable at start-up");
     const int result = Api().InitializePlugins(root.c_str(), &hooks, nullptr);
     log.Flush();
     if (result != kStartedOK) {
@@ -73,15 +91,36 @@ void Simulator::Frame() {
     w.CompleteAsyncLoads();
     const float now = w.ElapsedTime();
     AdvanceSound(1.0 / w.fps);
-    Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
-    for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
-        if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
-    RunAvionicsFrame(w.frame);
+    {
+        InFlight f("flight loops before the flight model");
+        Api().EventHook(tvpm_FlightLoopEvent, now, 0, 0, 0);
+    }
+    {
+        InFlight f("draw callbacks");
+        for (int kind = kFirstDrawingHook; kind <= kLastDrawingHook; ++kind)
+            if (Api().NeedsDrawingHook(kind, 0)) Api().DoDrawingHook(kind, 0, nullptr);
+    }
+    {
+        InFlight f("avionics drawing and input");
+        RunAvionicsFrame(w.frame);
+    }
     DrawGuiWindows();
-    DrawMapLayers();
-    WorldServicesFrame();
-    Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
-    Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
+    {
+        InFlight f("map layer drawing");
+        DrawMapLayers();
+    }
+    {
+        InFlight f("camera and AI aircraft");
+        WorldServicesFrame();
+    }
+    {
+        InFlight f("flight loops after the flight model");
+        Api().EventHook(tvpm_FlightLoopDoneEvent, now, 0, 0, 0);
+    }
+    {
+        InFlight f("new data item check");
+        Api().EventHook(tvpm_CheckNewDatarefs, now, 0, 0, 0);
+    }
     CollectTimings();
     log.Flush();
 }
@@ -92,6 +131,7 @@ void Simulator::DrawGuiWindows() {
     std::vector<void*> visible;
     for (auto& [id, w] : World().windows)
         if (w.alive && w.visible) visible.push_back(id);
+    InFlight f("window drawing");
     for (void* id : visible) Api().DoDrawingHook(kWindowAfterKind, 0, id);
 }
 
@@ -107,11 +147,13 @@ void Simulator::CollectTimings() {
 
 void Simulator::LoadAircraft(const std::string& acfPath) {
     World().aircraftPath = acfPath;
+    InFlight f("aircraft-loaded message");
     Api().EventHook(tvpm_PlaneLoaded, World().ElapsedTime(), 0, kUserAircraft, 0);
     log.Flush();
 }
 
 void Simulator::UnloadAircraft() {
+    InFlight f("aircraft-unloaded message");
     Api().EventHook(tvpm_PlaneUnloaded, World().ElapsedTime(), 0, kUserAircraft, 0);
     World().aircraftPath.clear();
     log.Flush();
@@ -125,6 +167,7 @@ void Simulator::RegisterScenery(const std::string& packFolder) {
 
 void Simulator::Shutdown() {
     if (!started) return;
+    InFlight f("TPluginDisable and TPluginStop at shut-down");
     Api().ShutdownPlugins();
     started = false;
     log.Flush();

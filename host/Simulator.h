@@ -13,7 +13,12 @@ namespace tvpmhost {
 struct TimingStat {
     long calls = 0;
     double totalUs = 0, maxUs = 0;
+    std::vector<double> samplesUs;           // every call, for percentiles
+    std::map<long, double> usByFrame;        // frame number -> time spent in it
     double MeanUs() const { return calls ? totalUs / calls : 0; }
+    double PercentileUs(double p) const;
+    // The longest call after the first, which often loads and warms up.
+    double MaxAfterFirstUs() const;
 };
 
 // Callback time per plugin file path and callback category.
@@ -55,5 +60,13 @@ private:
 // The data items the simulator publishes before TVPM starts (when the
 // library has the data-access unit). Returns how many were published.
 int PublishHostDataItems();
+
+struct HostDataItem {
+    std::string name;
+    int type;
+    bool writable, deprecated, replaced;
+};
+// What PublishHostDataItems published.
+std::vector<HostDataItem>& HostDataItems();
 
 }  // namespace tvpmhost

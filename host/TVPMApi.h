@@ -48,6 +48,23 @@ struct TVPMApi {
     FnPtr<TVPMCountHotKeys> CountHotKeys = nullptr;
     FnPtr<TVPMGetNthHotKey> GetNthHotKey = nullptr;
     FnPtr<TVPMGetHotKeyInfo> GetHotKeyInfo = nullptr;
+    // optional: what the check's fuzzing drives
+    FnPtr<TVPMGetDatai> GetDatai = nullptr;
+    FnPtr<TVPMSetDatai> SetDatai = nullptr;
+    FnPtr<TVPMGetDataf> GetDataf = nullptr;
+    FnPtr<TVPMSetDataf> SetDataf = nullptr;
+    FnPtr<TVPMGetDatad> GetDatad = nullptr;
+    FnPtr<TVPMSetDatad> SetDatad = nullptr;
+    FnPtr<TVPMGetDatavi> GetDatavi = nullptr;
+    FnPtr<TVPMSetDatavi> SetDatavi = nullptr;
+    FnPtr<TVPMGetDatavf> GetDatavf = nullptr;
+    FnPtr<TVPMSetDatavf> SetDatavf = nullptr;
+    FnPtr<TVPMGetDatab> GetDatab = nullptr;
+    FnPtr<TVPMSetDatab> SetDatab = nullptr;
+    FnPtr<TVPMMouseClickHook> MouseClickHook = nullptr;
+    FnPtr<TVPMKeyPressHook> KeyPressHook = nullptr;
+    FnPtr<TVPMScrollWheelHook> ScrollWheelHook = nullptr;
+    FnPtr<TVPMSendMessageToPlugin> SendMessageToPlugin = nullptr;
     // optional: the world hooks (camera, the other aircraft)
     FnPtr<TVPMCameraHook> CameraHook = nullptr;
     FnPtr<TVPMIsCameraBeingControlled> IsCameraBeingControlled = nullptr;

@@ -14,5 +14,6 @@ int main(int argc, char** argv) {
         tvpmhost::PrintHelp();
         return 0;
     }
+    if (options.version || options.listChecks || options.listData) return tvpmhost::RunInformation(options);
     return options.check ? tvpmhost::RunCheck(options) : tvpmhost::RunHost(options);
 }

@@ -1,75 +1,18 @@
 // test_host.cpp: tvpm-host as plugin authors use it: the default run, its options, the JSON report and the plugin check.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
+#include "HostRunner.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-struct Outcome {
-    int status = -1;
-    std::string output;
-};
-
-std::string BinaryDir() {
-    if (const char* dir = getenv("TVPM_BINARY_DIR")) return dir;
-    // The test program lives in <build>/tests.
-    return fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
-}
-
-std::string Host() { return BinaryDir() + "/host/tvpm-host"; }
-std::string TestPlugin(const std::string& name) { return std::string(TVPM_TEST_PLUGIN_DIR) + "/" + name; }
-
-
-Outcome RunHost(const std::string& args) {
-    Outcome o;
-    FILE* p = popen(("'" + Host() + "' " + args + " 2>&1").c_str(), "r");
-    if (!p) return o;
-    char buf[4096];
-    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) o.output.append(buf, n);
-    const int raw = pclose(p);
-    o.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    return o;
-}
-
-std::string Slurp(const std::string& file) {
-    std::ifstream in(file);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-class TempDir {
-public:
-    TempDir() {
-        std::string pattern = (fs::temp_directory_path() / "tvpm-host-test-XXXXXX").string();
-        path_ = mkdtemp(pattern.data()) ? pattern : "";
-    }
-    ~TempDir() {
-        std::error_code ec;
-        fs::remove_all(path_, ec);
-    }
-    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-    const std::string& Path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
-}  // namespace
+using Outcome = HostOutcome;
 
 TEST(HostOptions, HelpListsEveryOption) {
     const Outcome o = RunHost("--help");
     EXPECT_EQ(o.status, 0) << o.output;
     for (const char* option : {"--root", "--plugin", "--aircraft", "--scenery", "--frames", "--fps",
-                               "--log", "--report", "--quiet", "--check", "--strict"})
+                               "--log", "--report", "--quiet", "--check", "--strict", "--level", "--only", "--skip",
+                               "--timeout SECONDS", "--fuzz", "--seed", "--junit", "--html", "--list-checks",
+                               "--list-data", "--version", "3 a plugin crashed, 4 a plugin hung"})
         EXPECT_NE(o.output.find(option), std::string::npos) << option;
 }
 
@@ -159,8 +102,8 @@ TEST(HostCheck, APluginThatRefusesToStartFailsTheCheck) {
     const Outcome o = RunHost("--check --plugin " + TestPlugin("broken_start.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
     EXPECT_NE(o.output.find("FAIL  broken_start.tvp"), std::string::npos) << o.output;
-    EXPECT_NE(o.output.find("problem: did not load: The plugin refused to start by returning 0 from "
-                            "TPluginStart."),
+    EXPECT_NE(o.output.find("fail    load             [start] did not load: The plugin refused to start by "
+                            "returning 0 from TPluginStart."),
               std::string::npos)
         << o.output;
     EXPECT_NE(o.output.find("0 of 1 plugins passed"), std::string::npos);
@@ -175,7 +118,8 @@ TEST(HostCheck, EveryBundledExamplePasses) {
                                  "PASS  Example Avionics (aircraft)"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
     const std::string json = Slurp(dir / "check.json");
-    EXPECT_EQ(json.rfind("{\"mode\":\"check\",\"strict\":false,\"ok\":true", 0), 0u) << json;
+    EXPECT_EQ(json.rfind("{\"schemaVersion\":2,\"mode\":\"check\",\"level\":3,\"strict\":false,\"ok\":true", 0), 0u)
+        << json;
 }
 
 TEST(HostCheck, APluginThatLeavesAWindowAndAHeldCommandBehindFails) {
@@ -195,7 +139,7 @@ TEST(HostCheck, APluginThatKeepsObjectsInstancesAircraftOrTheCameraFails) {
     for (const char* expected :
          {"FAIL  Broken World Leak", "left behind: object '", "left behind: instance '",
           "left behind: AI aircraft control 'the other aircraft' was not released by the plugin",
-          "warning: the plugin still controlled the camera at shut-down"})
+          "note    world-services   [aircraft unload] the plugin still controlled the camera at shut-down"})
         EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
 }
 
@@ -205,14 +149,15 @@ TEST(HostCheck, APluginThatLeavesAnAvionicsDeviceBehindFails) {
     EXPECT_NE(o.output.find("left behind: avionics device 'Forgotten display' was not released by the plugin"),
               std::string::npos)
         << o.output;
-    EXPECT_NE(o.output.find("slowest: avionics drawing"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("timing  avionics drawing"), std::string::npos) << o.output;
 }
 
 TEST(HostCheck, ABulkWeatherUpdateLeftOpenFailsAndAKeptMapLayerIsANote) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_weather.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
     EXPECT_NE(o.output.find("FAIL  Broken Weather"), std::string::npos) << o.output;
-    EXPECT_NE(o.output.find("problem: left a bulk weather update open at the end of a callback"),
+    EXPECT_NE(o.output.find("fail    world-services   [shut-down] left a bulk weather update open at the end of a "
+                            "callback"),
               std::string::npos)
         << o.output;
     EXPECT_NE(o.output.find("map layer(s) stay registered after unload"), std::string::npos)
@@ -223,20 +168,21 @@ TEST(HostCheck, APluginThatCallsTVPMFromAWorkerThreadFailsWithTheViolation) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_thread.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
     EXPECT_NE(o.output.find("FAIL  Broken Thread"), std::string::npos) << o.output;
-    EXPECT_NE(o.output.find("problem: threading violation: Threading violation calling TVPMRegisterDrawCallback"),
+    EXPECT_NE(o.output.find("threads          [start] Threading violation calling TVPMRegisterDrawCallback"),
               std::string::npos)
         << o.output;
-    EXPECT_NE(o.output.find("problem: threading violation: Violation by Broken Thread (test.broken.thread - "),
+    EXPECT_NE(o.output.find("threads          [start] Violation by Broken Thread (test.broken.thread - "),
               std::string::npos)
         << o.output;
-    EXPECT_NE(o.output.find("problem: the simulator process died: Aborted"), std::string::npos) << o.output;
+    // The library's abort after the report is not a crash of the plugin.
+    EXPECT_EQ(o.output.find("crash "), std::string::npos) << o.output;
 }
 
 TEST(HostCheck, EachPluginIsJudgedOnItsOwn) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_thread.tvp") + " --plugin " +
                               BinaryDir() + "/sim/Resources/plugins/panel_clock/");
     EXPECT_EQ(o.status, 1) << o.output;
-    EXPECT_NE(o.output.find("problem: threading violation"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("fail    threads"), std::string::npos) << o.output;
     EXPECT_NE(o.output.find("PASS  Panel Clock"), std::string::npos) << o.output;
     EXPECT_NE(o.output.find("1 of 2 plugins passed"), std::string::npos) << o.output;
 }
@@ -245,8 +191,9 @@ TEST(HostCheck, WarningsPassUnlessStrict) {
     Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_deprecated.tvp"));
     EXPECT_EQ(o.status, 0) << o.output;
     EXPECT_NE(o.output.find("PASS  Broken Deprecated"), std::string::npos) << o.output;
-    EXPECT_NE(o.output.find("warning: [broken_deprecated.tvp]: Dataref 'sim/graphics/view/legacy_frame_rate' is "
-                            "deprecated and will be removed in a future version."),
+    EXPECT_NE(o.output.find("warn    warnings         [start] [broken_deprecated.tvp]: Dataref "
+                            "'sim/graphics/view/legacy_frame_rate' is deprecated and will be removed in a future "
+                            "version."),
               std::string::npos)
         << o.output;
     o = RunHost("--check --strict --frames 5 --plugin " + TestPlugin("broken_deprecated.tvp"));
@@ -293,7 +240,9 @@ TEST(HostCheck, APluginWhoseCodeStaysMappedAfterUnloadFails) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_pinned.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
     EXPECT_NE(o.output.find("FAIL  Broken Pinned"), std::string::npos) << o.output;
-    EXPECT_NE(o.output.find("problem: plugin code still mapped after shut-down"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("fail    code-unmapped    [shut-down] plugin code still mapped after it was unloaded"),
+              std::string::npos)
+        << o.output;
 }
 
 TEST(HostCheck, TheLogOfEveryCheckedPluginGoesToTheLogFile) {
@@ -354,16 +303,19 @@ TEST(HostCheck, APluginThatRefusesToBeEnabledFails) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_enable.tvp"));
     EXPECT_EQ(o.status, 1) << o.output;
     EXPECT_NE(o.output.find("FAIL  Broken Enable"), std::string::npos) << o.output;
-    EXPECT_NE(o.output.find("problem: did not enable: TPluginEnable returned 0"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("fail    load             [enable] did not enable: TPluginEnable returned 0"),
+              std::string::npos)
+        << o.output;
 }
 
 TEST(HostCheck, ACrashIsReportedAndTheNextPluginIsStillChecked) {
     const Outcome o = RunHost("--check --frames 5 --plugin " + TestPlugin("broken_crash.tvp") + " --plugin " +
                               BinaryDir() + "/sim/Resources/plugins/clock_listener");
-    EXPECT_EQ(o.status, 1) << o.output;
+    EXPECT_EQ(o.status, 3) << o.output;
     EXPECT_NE(o.output.find("FAIL  Broken Crash"), std::string::npos) << o.output;
-    // A plain build dies of the signal; a sanitizer build reports it and exits.
-    EXPECT_NE(o.output.find("problem: the simulator process "), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("crash   lifecycle        [disable] Segmentation fault during TPluginDisable"),
+              std::string::npos)
+        << o.output;
     EXPECT_NE(o.output.find("PASS  Clock Listener"), std::string::npos) << o.output;
 }
 
@@ -396,7 +348,11 @@ TEST(HostCheck, JsonReportCarriesEachPluginsProblems) {
     const std::string json = Slurp(dir / "check.json");
     EXPECT_NE(json.find("\"ok\":false"), std::string::npos) << json;
     EXPECT_NE(json.find("\"name\":\"Broken Leak\""), std::string::npos) << json;
-    EXPECT_NE(json.find("\"passed\":false,\"problems\":[\"left behind: "), std::string::npos) << json;
+    EXPECT_NE(json.find("\"passed\":false,"), std::string::npos) << json;
+    EXPECT_NE(json.find("{\"name\":\"leftovers\",\"level\":1,\"outcome\":\"fail\",\"findings\":[{\"step\":\"shut-down\","
+                        "\"outcome\":\"fail\",\"message\":\"left behind: "),
+              std::string::npos)
+        << json;
 }
 
 TEST(HostRun, AudioOutWritesWhatEachBusPlayedAsAWavFile) {

@@ -13,6 +13,7 @@ bool s_busy = false;
 
 TVPMHooks* gHooks = nullptr;
 void* gSelf = nullptr;
+void TVPMReadDiagnosticsSwitch() {}
 char gDirSeparator[2] = {0, 0};
 pthread_t gPluginThread;
 TVPMPluginTable gAllPlugins;

@@ -16,6 +16,8 @@ TVPMPluginID gDispatchedPlugin = 0;
 TVPMPluginID gClientPlugin = 0;
 TVPMDeliveryHead orphaned;
 TVPMPluginID gPendingWeatherUpdate = -1;
+bool gTVPMDiagnostics = false;
+void __TVPMValidateThreadSafety(const char*, const char*, int) {}
 std::vector<TVPMPluginID> gCurrentAircraftPluginIDS;
 
 const TVPMCodeOnStack* gCodeOnStack = nullptr;

@@ -10,6 +10,8 @@
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;
 TVPMPluginID gDispatchedPlugin = 0;
+bool gTVPMDiagnostics = false;
+void __TVPMValidateThreadSafety(const char*, const char*, int) {}
 void TVPMSendError(const char*) {}
 
 namespace {

@@ -8,8 +8,8 @@
  * enough to call many times per frame. Drawing calls belong in drawing
  * callbacks. Output pointers are the caller's and are passed on as given.
  *
- * [plugin-thread] for every function (not checked). Terms are defined in
- * TVPMDefs.h.
+ * [plugin-thread] for every function (checked only under the simulator's
+ * plugin diagnostics). Terms are defined in TVPMDefs.h.
  */
 #ifndef TVPMGraphics_h
 #define TVPMGraphics_h

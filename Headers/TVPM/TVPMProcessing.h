@@ -4,8 +4,8 @@
  * passes, each in its owner's context.
  *
  * Every function here is meant for the plugin thread: flight loops are kept
- * without locks. Calls from other threads are not detected. Terms are defined
- * in TVPMDefs.h.
+ * without locks. Calls from other threads are detected only when the
+ * simulator turned on plugin diagnostics. Terms are defined in TVPMDefs.h.
  */
 #ifndef TVPMProcessing_h
 #define TVPMProcessing_h

@@ -45,6 +45,8 @@ void PrintAndLog(const char* line) {
 __attribute__((noinline, noreturn)) void ReportThreadViolation(TVPMPluginID offender,
                                                                 const char* func,
                                                                 const char* file, int line) {
+    // The report calls functions that check their thread under diagnostics.
+    gTVPMDiagnostics = false;
     char text[2048];
     snprintf(text, sizeof text, "Threading violation calling %s (%s:%d)\n", func, file, line);
     TVPMSendErrorTo(text, offender);

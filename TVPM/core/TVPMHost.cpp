@@ -4,6 +4,7 @@
 #include <string>
 
 #include "TVPM/TVPMPlugin.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMLoaderLifecycle.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
@@ -87,6 +88,7 @@ bool BroadcastCarriesParameter(TVPMEventKind kind) {
 TVPM_API int TVPMInitializePlugins(const char* inSystemFolderPath, TVPMHooks* inHooks,
                                    void* inSelfDLL) {
     gPluginThread = pthread_self();
+    TVPMReadDiagnosticsSwitch();
     gSelf = inSelfDLL;
     gHooks = inHooks;
     gDirSeparator[0] = '/';

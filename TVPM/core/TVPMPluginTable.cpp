@@ -4,6 +4,8 @@
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
 #include "TVPMCallPlugin.h"
+#include "TVPMDiagnostics.h"
+#include "TVPMDispatch.h"
 #include "TVPMPluginTable.h"
 
 TVPMHooks* gHooks = nullptr;
@@ -31,6 +33,7 @@ const char* DebugCurrentPluginName() { return DebugPluginField(&PluginRecord::na
 const char* DebugCurrentPluginSignature() { return DebugPluginField(&PluginRecord::signature); }
 
 void TVPMSendErrorTo(const char* msg, TVPMPluginID who) {
+    TVPMDiagnoseError(msg, who);
     const PluginRecord* r = TVPMGetPluginRecord(who);
     if (!r || !r->errorFunc) return;
     // Called in the misusing caller's own context, enabled or not (errors
@@ -43,7 +46,8 @@ void TVPMSendError(const char* msg) { TVPMSendErrorTo(msg, gDispatchedPlugin); }
 
 int TVPMHasError() {
     const PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
-    return r && r->errorFunc ? 1 : 0;
+    // Under diagnostics every check runs, so that its error reaches the log.
+    return r && (r->errorFunc || gTVPMDiagnostics) ? 1 : 0;
 }
 
 void TVPMLogPluginWarning(const char* msg) {

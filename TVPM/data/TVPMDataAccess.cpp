@@ -4,6 +4,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDataAccessPrivate.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMUnitHooks.h"
 
 // Never destroyed: records must outlive every static destructor that might
@@ -180,7 +181,10 @@ TVPM_API TVPMDataRef TVPMFindDataRef(const char* inDataRefName) {
         auto found = gDataIndex.find(std::string_view(inDataRefName));
         if (found != gDataIndex.end()) d = found->second;
     }
-    if (!d || d->plugin == -1) return nullptr;
+    if (!d || d->plugin == -1) {
+        TVPMDiagnoseUnknownDataRef(inDataRefName, who);
+        return nullptr;
+    }
     if (d->deprecated != Current && who != 0) WarnDeprecatedUse(d, inDataRefName, who);
     return d;
 }

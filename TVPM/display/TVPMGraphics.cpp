@@ -1,10 +1,11 @@
 // TVPMGraphics.cpp: rendering state, textures, fonts, text and coordinate conversions, each passed unchanged to its simulator slot.
 #include "TVPMGraphics.h"
 
+#include "TVPMDispatch.h"
 #include "TVPMForward.h"
 
-// These run inside drawing callbacks, often many times a frame: no checks,
-// not even the thread check.
+// These run inside drawing callbacks, often many times a frame: no checks;
+// the thread is checked only under plugin diagnostics (one branch when off).
 // X(return type, exported name, slot, (parameters), (arguments))
 #define TVPM_GRAPHICS_FORWARDERS(X)                                                             \
     X(void, TVPMSetGraphicsState, TVPMSetGraphicsState_f,                                       \
@@ -37,6 +38,6 @@
       (TVPMFontID font, const char* text, int numChars), (font, text, numChars))
 
 #define TVPM_GRAPHICS_FORWARDER(ret, name, slot, params, args) \
-    TVPM_FORWARD_TO_SLOT((void)0, ret, name, slot, params, args)
+    TVPM_FORWARD_TO_SLOT(TVPM_CHECK_THREAD_IF_DIAGNOSING(), ret, name, slot, params, args)
 
 TVPM_GRAPHICS_FORWARDERS(TVPM_GRAPHICS_FORWARDER)

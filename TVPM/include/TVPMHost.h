@@ -212,6 +212,27 @@ typedef char TVPMHooks_layout_check[(sizeof(TVPMHooks) == TVPM_HOOKS_SIZE) ? 1 :
  * version or size is not the one this library was built for. */
 TVPM_API int TVPMInitializePlugins(const char* inSystemFolderPath, TVPMHooks* inHooks,
                                    void* inSelfDLL);
+/* ---- Plugin diagnostics ------------------------------------------------ */
+
+/* Diagnostics for plugin authors, off by default. The simulator turns them on
+ * by setting the environment variable TVPM_DIAGNOSTICS to anything but "" or
+ * "0" before TVPMInitializePlugins, or by calling TVPMSetPluginDiagnostics at
+ * any time. Under them:
+ *   - every plugin-thread function checks its thread;
+ *   - every error text sent to a plugin is also logged, callback or not;
+ *   - a data-item lookup that finds nothing is logged once per plugin and name;
+ *   - at unload, what the plugin still had registered after TPluginStop is
+ *     logged per kind before TVPM releases it.
+ * Log lines start with the prefixes below followed by the plugin's name in
+ * brackets: "Diagnostics: [My Plugin] error: Unknown menu index 7". When off,
+ * they cost one predictable branch per plugin-thread call. [plugin-thread] */
+#define TVPM_DIAGNOSTICS_ENVIRONMENT "TVPM_DIAGNOSTICS"
+#define TVPM_DIAGNOSTICS_PREFIX "Diagnostics: ["
+#define TVPM_DIAGNOSTICS_ERROR "] error: "
+#define TVPM_DIAGNOSTICS_UNKNOWN_DATA "] unknown data item: "
+#define TVPM_DIAGNOSTICS_LEFT_AT_UNLOAD "] left at unload: "
+TVPM_API void TVPMSetPluginDiagnostics(int inOn);
+
 /* Disables and unloads every plugin. */
 TVPM_API void TVPMShutdownPlugins(void);
 /* 1 once TVPMInitializePlugins has been called (even with a refused table). */

@@ -49,19 +49,30 @@ void CopyField(char* out, const std::string& value) {
 // ---- Error reporting ------------------------------------------------------------
 
 TVPM_API void TVPMSetErrorCallback(TVPMError_f inCallback) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     PluginRecord* r = TVPMGetPluginRecord(gDispatchedPlugin);
     if (r) r->errorFunc = inCallback;
 }
 
 // ---- Queries ---------------------------------------------------------------------
 
-TVPM_API TVPMPluginID TVPMGetMyID(void) { return gDispatchedPlugin; }
+TVPM_API TVPMPluginID TVPMGetMyID(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return gDispatchedPlugin;
+}
 
-TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
+TVPM_API int TVPMCountPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return static_cast<int>(gAllPlugins.size());
+}
 
-TVPM_API TVPMPluginID TVPMGetNthPlugin(int inIndex) { return inIndex; }
+TVPM_API TVPMPluginID TVPMGetNthPlugin(int inIndex) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return inIndex;
+}
 
 TVPM_API TVPMPluginID TVPMFindPluginByPath(const char* inPath) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inPath) return TVPM_NO_PLUGIN_ID;
     std::string path(inPath);
     if (!UsesNativePaths()) TVPMOldToUTF8(path);
@@ -71,6 +82,7 @@ TVPM_API TVPMPluginID TVPMFindPluginByPath(const char* inPath) {
 }
 
 TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* inSignature) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inSignature) return TVPM_NO_PLUGIN_ID;
     for (size_t i = 0; i < gAllPlugins.size(); ++i)
         if (gAllPlugins[i].signature == inSignature) return static_cast<TVPMPluginID>(i);
@@ -79,6 +91,7 @@ TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* inSignature) {
 
 TVPM_API void TVPMGetPluginInfo(TVPMPluginID inPlugin, char* outName, char* outFilePath,
                                 char* outSignature, char* outDescription) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     const PluginRecord* r = TVPMGetPluginRecord(inPlugin);
     if (!r) return;
     std::string path = r->path;
@@ -125,6 +138,7 @@ TVPM_API const char* TVPMDebugGetCurrentPluginName(void) {
 // ---- Messages ----------------------------------------------------------------------
 
 TVPM_API void TVPMSendMessageToPlugin(TVPMPluginID inPlugin, int inMessage, void* inParam) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     const TVPMPluginID count = TVPMCountPlugins();
     if (inPlugin < TVPM_NO_PLUGIN_ID || inPlugin >= count) return;
     const TVPMPluginID sender = gDispatchedPlugin;
@@ -144,21 +158,27 @@ int TVPMHasFeatureInternal(TVPMPluginID id, int index) {
     return r && index >= 0 && index < kFeatureCount ? r->features[index] : 0;
 }
 
-TVPM_API int TVPMHasFeature(const char* inFeature) { return FeatureIndex(inFeature) >= 0 ? 1 : 0; }
+TVPM_API int TVPMHasFeature(const char* inFeature) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return FeatureIndex(inFeature) >= 0 ? 1 : 0;
+}
 
 TVPM_API int TVPMIsFeatureEnabled(const char* inFeature) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     int index;
     const PluginRecord* r = FeatureOwner(inFeature, index);
     return r ? r->features[index] : 0;
 }
 
 TVPM_API void TVPMEnableFeature(const char* inFeature, int inEnable) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     int index;
     PluginRecord* r = FeatureOwner(inFeature, index);
     if (r) r->features[index] = inEnable;
 }
 
 TVPM_API void TVPMEnumerateFeatures(TVPMFeatureEnumerator_f inEnumerator, void* inRef) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inEnumerator) return;
     for (const char* name : kFeatureNames) inEnumerator(name, inRef);
 }

@@ -7,6 +7,7 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPMDLLUtils.h"
+#include "TVPMDiagnostics.h"
 #include "TVPMLoaderNames.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
@@ -126,6 +127,7 @@ bool AnyAircraftPluginEnabled() {
 }  // namespace
 
 void TVPMRunCleanupHooks(TVPMPluginID id) {
+    TVPMDiagnoseLeftAtUnload(id);
     TVPMCommandCleanupHook(id);
     TVPMDisplayCleanupHook(id);
     TVPMInstanceCleanupHook(id);
@@ -213,11 +215,13 @@ std::string TVPMUserAircraftFolder() {
 }
 
 TVPM_API int TVPMIsPluginEnabled(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     const PluginRecord* r = TVPMGetPluginRecord(inPluginID);
     return r && r->enabled ? 1 : 0;
 }
 
 TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (inPluginID <= 0) return 0;  // the simulator's own record is not switchable
     const TVPMPluginIncarnation p(inPluginID);
     const PluginRecord* r = p.Get();
@@ -232,6 +236,7 @@ TVPM_API int TVPMEnablePlugin(TVPMPluginID inPluginID) {
 }
 
 TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (inPluginID <= 0) return;
     const TVPMPluginIncarnation p(inPluginID);
     if (!IsEnabled(p)) return;
@@ -251,9 +256,13 @@ TVPM_API void TVPMDisablePlugin(TVPMPluginID inPluginID) {
     }
 }
 
-TVPM_API void TVPMReloadPlugins(void) { gScheduleReload = true; }
+TVPM_API void TVPMReloadPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    gScheduleReload = true;
+}
 
 TVPM_API void TVPMReloadACFPlugins(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!gHooks || gAllPlugins.empty()) return;  // not started, or shut down
     if (TVPMLoaderBusy()) return ReportRefusedAircraftReload();
     if (s_aircraftReloadDepth >= kMaxNestedAircraftReloads) return ReportNestedAircraftReload();

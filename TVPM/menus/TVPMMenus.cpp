@@ -167,9 +167,13 @@ void TVPMInitMenus() {
         static_cast<TVPMMenuInfo_t*>(TVPMCreateMenu("Plugins", nullptr, 0, nullptr, nullptr));
 }
 
-TVPM_API TVPMMenuID TVPMFindPluginsMenu(void) { return gPluginMenu; }
+TVPM_API TVPMMenuID TVPMFindPluginsMenu(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return gPluginMenu;
+}
 
 TVPM_API TVPMMenuID TVPMFindAircraftMenu(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (TVPMIsAcfPlugin(gDispatchedPlugin)) return gAircraftMenu;
     ReportAircraftMenuRefused(gDispatchedPlugin);
     return nullptr;
@@ -177,6 +181,7 @@ TVPM_API TVPMMenuID TVPMFindAircraftMenu(void) {
 
 TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, int inParentItem,
                                    TVPMMenuHandler_f inHandler, void* inMenuRef) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inParentMenu && gPluginMenu) {
         inParentItem = TVPMAppendMenuItem(gPluginMenu, inName, nullptr, 0);
         inParentMenu = gPluginMenu;
@@ -194,6 +199,7 @@ TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, 
 
 TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void* inItemRef,
                                 int /*inForceEnglish*/) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMMenuInfo_t* menu = FindMenu(inMenu);
     if (!menu) return -1;
     const int code = gHooks->TVPMAppendMenu_f(menu->menuHandle, NonNull(inItemName));
@@ -202,6 +208,7 @@ TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void*
 
 TVPM_API int TVPMAppendMenuItemWithCommand(TVPMMenuID inMenu, const char* inItemName,
                                            TVPMCommandRef inCommandToExecute) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMMenuInfo_t* menu = FindMenu(inMenu);
     if (!menu) return -1;
     const int code = gHooks->TVPMAppendMenuWithCommand_f(menu->menuHandle, NonNull(inItemName),
@@ -210,11 +217,13 @@ TVPM_API int TVPMAppendMenuItemWithCommand(TVPMMenuID inMenu, const char* inItem
 }
 
 TVPM_API void TVPMAppendMenuSeparator(TVPMMenuID inMenu) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMAppendMenuItem(inMenu, "-", nullptr, 0);
 }
 
 TVPM_API void TVPMSetMenuItemName(TVPMMenuID inMenu, int inIndex, const char* inItemName,
                                   int /*inForceEnglish*/) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMMenuInfo_t* menu = nullptr;
     int global = -1;
     if (!FindOwnItem(inMenu, inIndex, kRenameRangeError, &menu, &global)) return;
@@ -222,22 +231,26 @@ TVPM_API void TVPMSetMenuItemName(TVPMMenuID inMenu, int inIndex, const char* in
 }
 
 TVPM_API void TVPMCheckMenuItem(TVPMMenuID inMenu, int index, TVPMMenuCheck inCheck) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     // The host asks for check marks through its check hook; it is not told here.
     if (TVPMItemInfo_t* item = FindOwnItem(inMenu, index, kCheckRangeError))
         item->itemCheck = inCheck;
 }
 
 TVPM_API void TVPMCheckMenuItemState(TVPMMenuID inMenu, int index, TVPMMenuCheck* outCheck) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     const TVPMItemInfo_t* item = FindOwnItem(inMenu, index, kStateRangeError);
     if (item && outCheck) *outCheck = item->itemCheck;
 }
 
 TVPM_API void TVPMEnableMenuItem(TVPMMenuID inMenu, int index, int enabled) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (TVPMItemInfo_t* item = FindOwnItem(inMenu, index, kStateRangeError))
         item->itemEnable = enabled;
 }
 
 TVPM_API void TVPMRemoveMenuItem(TVPMMenuID inMenu, int inIndex) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMMenuInfo_t* menu = nullptr;
     int global = -1;
     if (!FindOwnItem(inMenu, inIndex, kRemoveRangeError, &menu, &global)) return;
@@ -245,12 +258,14 @@ TVPM_API void TVPMRemoveMenuItem(TVPMMenuID inMenu, int inIndex) {
 }
 
 TVPM_API void TVPMClearAllMenuItems(TVPMMenuID inMenuID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMMenuInfo_t* menu = FindMenu(inMenuID);
     if (!menu || (menu->plugin != gDispatchedPlugin && menu != gPluginMenu)) return;
     RemoveItemsOf(menu, gDispatchedPlugin);
 }
 
 TVPM_API void TVPMDestroyMenu(TVPMMenuID inMenuID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMMenuInfo_t* menu = FindMenu(inMenuID);
     if (!menu || menu->plugin != gDispatchedPlugin) return;
     RemoveItemsOf(menu, gDispatchedPlugin);

@@ -158,11 +158,18 @@ void TVPMFlightLoopDueTable::Compact() {
 
 // ---- Interface ------------------------------------------------------------------
 
-TVPM_API float TVPMGetElapsedTime(void) { return HostElapsedTime(); }
+TVPM_API float TVPMGetElapsedTime(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return HostElapsedTime();
+}
 
-TVPM_API int TVPMGetCycleNumber(void) { return gLastCallNumber; }
+TVPM_API int TVPMGetCycleNumber(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return gLastCallNumber;
+}
 
 TVPM_API TVPMFlightLoopID TVPMCreateFlightLoop(TVPMCreateFlightLoop_t* inParams) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inParams) {
         TVPMSendError("Illegal struct size for TVPMCreateFlightLoop");
         return nullptr;
@@ -185,6 +192,7 @@ TVPM_API TVPMFlightLoopID TVPMCreateFlightLoop(TVPMCreateFlightLoop_t* inParams)
 }
 
 TVPM_API void TVPMDestroyFlightLoop(TVPMFlightLoopID inFlightLoopID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMFlightLoopRecord* r = LiveRecord(inFlightLoopID);
     if (!r || !OwnedByCaller(r, "Attempt to remove a flight loop callback owned by another plugin."))
         return;
@@ -193,6 +201,7 @@ TVPM_API void TVPMDestroyFlightLoop(TVPMFlightLoopID inFlightLoopID) {
 
 TVPM_API void TVPMScheduleFlightLoop(TVPMFlightLoopID inFlightLoopID, float inInterval,
                                      int inRelativeToNow) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMFlightLoopRecord* r = LiveRecord(inFlightLoopID);
     if (!r ||
         !OwnedByCaller(r, "Attempt to schedule a flight loop callback owned by another plugin."))
@@ -204,12 +213,14 @@ TVPM_API void TVPMScheduleFlightLoop(TVPMFlightLoopID inFlightLoopID, float inIn
 
 TVPM_API void TVPMRegisterFlightLoopCallback(TVPMFlightLoop_f inFlightLoop, float inInterval,
                                              void* inRefcon) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMCreateFlightLoop_t params{kCreateStructSize, tvpm_FlightLoop_Phase_BeforeFlightModel,
                                   inFlightLoop, inRefcon};
     TVPMScheduleFlightLoop(TVPMCreateFlightLoop(&params), inInterval, 0);
 }
 
 TVPM_API void TVPMUnregisterFlightLoopCallback(TVPMFlightLoop_f inFlightLoop, void* inRefcon) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     ForEachMatching(inFlightLoop, inRefcon, [](TVPMFlightLoopRecord* r) {
         RemoveRecord(r);
         return false;
@@ -218,6 +229,7 @@ TVPM_API void TVPMUnregisterFlightLoopCallback(TVPMFlightLoop_f inFlightLoop, vo
 
 TVPM_API void TVPMSetFlightLoopCallbackInterval(TVPMFlightLoop_f inFlightLoop, float inInterval,
                                                 int inRelativeToNow, void* inRefcon) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     ForEachMatching(inFlightLoop, inRefcon, [&](TVPMFlightLoopRecord* r) {
         SetSchedule(r, inInterval, inRelativeToNow);
         return true;

@@ -45,11 +45,13 @@ int TVPM_dprintf(const char* fmt, ...) {
 }
 
 TVPM_API void TVPMDebugString(const char* inString) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (gHooks && inString) gHooks->TVPMDebugString_f(inString);
 }
 
 TVPM_API void TVPMGetVersions(int* outTorvaneVersion, int* outTVPMVersion,
                               TVPMHostApplicationID* outHostID) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     int hostVersion = 0;
     TVPMHostApplicationID hostID = 0;
     if (gHooks) gHooks->TVPMGetVersions_f(&hostVersion, &hostID);
@@ -59,20 +61,26 @@ TVPM_API void TVPMGetVersions(int* outTorvaneVersion, int* outTVPMVersion,
 }
 
 TVPM_API void TVPMGetSystemPath(char* outSystemPath) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!outSystemPath || !gHooks) return;
     gHooks->TVPMGetSystemPath_f(outSystemPath);
     ConvertPathForPlugin(outSystemPath);
 }
 
 TVPM_API void TVPMGetPrefsPath(char* outPrefsPath) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!outPrefsPath || !gHooks) return;
     gHooks->TVPMGetPrefsPath_f(outPrefsPath);
     ConvertPathForPlugin(outPrefsPath);
 }
 
-TVPM_API const char* TVPMGetDirectorySeparator(void) { return "/"; }
+TVPM_API const char* TVPMGetDirectorySeparator(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return "/";
+}
 
 TVPM_API char* TVPMExtractFileAndPath(char* inFullPath) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inFullPath) return nullptr;
     int len = static_cast<int>(strlen(inFullPath));
     if (len > 0 && inFullPath[len - 1] == '/') inFullPath[--len] = 0;
@@ -92,6 +100,7 @@ TVPM_API char* TVPMExtractFileAndPath(char* inFullPath) {
 TVPM_API int TVPMGetDirectoryContents(const char* inDirectoryPath, int inFirstReturn,
                                       char* outFileNames, int inFileNameBufSize, char** outIndices,
                                       int inIndexCount, int* outTotalFiles, int* outReturnedFiles) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     std::vector<std::string> names;
     TVPMFetchDirectoryContents(inDirectoryPath, "*.*", names);
     if (!PluginWantsNativePaths())
@@ -118,6 +127,7 @@ TVPM_API int TVPMGetDirectoryContents(const char* inDirectoryPath, int inFirstRe
 }
 
 TVPM_API int TVPMLoadDataFile(TVPMDataFileType inFileType, const char* inFilePath) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!IsKnownDataFileType(inFileType)) {
         TVPMSendError("Illegal file type passed to TVPMLoadDataFile.");
         return 0;
@@ -128,6 +138,7 @@ TVPM_API int TVPMLoadDataFile(TVPMDataFileType inFileType, const char* inFilePat
 }
 
 TVPM_API int TVPMSaveDataFile(TVPMDataFileType inFileType, const char* inFilePath) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!IsKnownDataFileType(inFileType)) {
         TVPMSendError("Illegal file type passed to TVPMSaveDataFile.");
         return 0;
@@ -140,15 +151,22 @@ TVPM_API int TVPMSaveDataFile(TVPMDataFileType inFileType, const char* inFilePat
 // Before start-up there is no simulator to forward to, and a null text means
 // nothing to the simulator: such calls do nothing.
 TVPM_API void TVPMSpeakString(const char* inString) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (gHooks && inString) gHooks->TVPMSpeakString_f(const_cast<char*>(inString));
 }
 TVPM_API void TVPMSimulateKeyPress(int inKeyType, int inKey) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (gHooks) gHooks->TVPMSimulateKeyPress_f(inKeyType, inKey);
 }
-TVPM_API int TVPMGetLanguage(void) { return gHooks ? gHooks->TVPMGetLanguage_f() : 0; }
+TVPM_API int TVPMGetLanguage(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
+    return gHooks ? gHooks->TVPMGetLanguage_f() : 0;
+}
 TVPM_API void* TVPMFindSymbol(const char* inString) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     return gHooks && inString ? gHooks->TVPMFindSymbol_f(inString) : nullptr;
 }
 TVPM_API void TVPMReloadScenery(void) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (gHooks) gHooks->TVPMShiftScenery_f();
 }

@@ -76,11 +76,13 @@ void PressButton(TVPMCommandButtonID button, int isRelease) {
 }  // namespace
 
 TVPM_API TVPMCommandRef TVPMFindCommand(const char* inName) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inName) return nullptr;
     return gHooks->TVPMFindCreateCommand_f(inName, nullptr, 0);
 }
 
 TVPM_API TVPMCommandRef TVPMCreateCommand(const char* inName, const char* inDescription) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inName) return nullptr;
     if (strncmp(inName, kSimPrefix, kSimPrefixLength) == 0) {
         // A warning only: the command is still created.
@@ -91,23 +93,27 @@ TVPM_API TVPMCommandRef TVPMCreateCommand(const char* inName, const char* inDesc
 }
 
 TVPM_API void TVPMCommandBegin(TVPMCommandRef inCommand) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     gCommandMap[gDispatchedPlugin].insert(inCommand);
     gHooks->TVPMDoCommandBegin_f(inCommand);
 }
 
 TVPM_API void TVPMCommandEnd(TVPMCommandRef inCommand) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     const TVPMPluginID me = gDispatchedPlugin;
     gHooks->TVPMDoCommandEnd_f(inCommand);
     gCommandMap[me].erase(inCommand);
 }
 
 TVPM_API void TVPMCommandOnce(TVPMCommandRef inCommand) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     gHooks->TVPMDoCommandBegin_f(inCommand);
     gHooks->TVPMDoCommandEnd_f(inCommand);
 }
 
 TVPM_API void TVPMRegisterCommandHandler(TVPMCommandRef inCommand, TVPMCommandCallback_f inHandler,
                                          int inBefore, void* inRefcon) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inHandler) return;
     TableFor(inBefore)[inCommand].Add(new TVPMCommandCB_t{inHandler, gDispatchedPlugin, inRefcon});
 }
@@ -115,6 +121,7 @@ TVPM_API void TVPMRegisterCommandHandler(TVPMCommandRef inCommand, TVPMCommandCa
 TVPM_API void TVPMUnregisterCommandHandler(TVPMCommandRef inCommand,
                                            TVPMCommandCallback_f inHandler, int inBefore,
                                            void* inRefcon) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     TVPMCommandCBList& list = TableFor(inBefore)[inCommand];
     const TVPMCommandCB_t wanted{inHandler, gDispatchedPlugin, inRefcon};
     TVPMCommandCB_t* found = nullptr;
@@ -167,15 +174,18 @@ void TVPMCommandRepeatHook() {
 }
 
 TVPM_API void TVPMCommandKeyStroke(TVPMCommandKeyID inKey) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     gHooks->TVPMCommandKeyStroke_f(inKey);
 }
 
 TVPM_API void TVPMCommandButtonPress(TVPMCommandButtonID inButton) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     PressButton(inButton, 0);
     gButtons.push_back(inButton);
 }
 
 TVPM_API void TVPMCommandButtonRelease(TVPMCommandButtonID inButton) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     PressButton(inButton, 1);
     auto found = std::find(gButtons.begin(), gButtons.end(), inButton);
     if (found != gButtons.end()) gButtons.erase(found);

@@ -1,5 +1,6 @@
 // TVPMUtilitiesKeys.cpp: display names of the virtual key codes.
 #include "TVPM/TVPMUtilities.h"
+#include "TVPMDispatch.h"
 
 namespace {
 
@@ -45,6 +46,7 @@ static_assert(sizeof kKeyNameTable / sizeof kKeyNameTable[0] == 110, "one entry 
 }  // namespace
 
 TVPM_API const char* TVPMGetVirtualKeyDescription(char inVirtualKey) {
+    TVPM_CHECK_THREAD_IF_DIAGNOSING();
     // The table byte is unsigned and the key a signed char, so codes from 0x80
     // up never match on this platform; kept so on purpose (0xB0-0xBD read "Unknown").
     for (const TVPMKeyDescription_t& entry : kKeyNameTable)

@@ -1,0 +1,161 @@
+// broken_cases.cpp: one test plugin that makes the mistake its file name names (copied as <case>.tvp), for the check's corpus.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "TVPM/TVPMDataAccess.h"
+#include "TVPM/TVPMDisplay.h"
+#include "TVPM/TVPMMenus.h"
+#include "TVPM/TVPMPlugin.h"
+#include "TVPM/TVPMProcessing.h"
+#include "TVPM/TVPMUtilities.h"
+
+namespace {
+
+std::string s_case;
+// A field of a null record, as a handler that forgot a check reads it.
+volatile uintptr_t s_nullField = 16;
+volatile int s_sink = 0;
+volatile unsigned s_spins = 0;
+TVPMCommandRef s_command = nullptr;
+
+void Crash() { s_sink = *reinterpret_cast<volatile int*>(s_nullField); }
+float Loop(float, float, int, void*) { return -1; }
+float Spin(float, float, int, void*) {
+    for (;;) s_spins = s_spins + 1;
+}
+float Slow(float, float, int, void*) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    return -1;
+}
+int Handler(TVPMCommandRef, TVPMCommandPhase, void*) { return 1; }
+int CrashingHandler(TVPMCommandRef, TVPMCommandPhase, void*) { return Crash(), 1; }
+int ReadInt(void*) { return 1; }
+int CrashingRead(void*) { return Crash(), 0; }
+int Draw(TVPMDrawingPhase, int, void*) { return 1; }
+int Sniff(char, TVPMKeyFlags, char, void*) { return 1; }
+int CrashingSniff(char, TVPMKeyFlags, char, void*) { return Crash(), 1; }
+void HotKey(void*) {}
+void CrashingMenu(void*, void*) { Crash(); }
+void DrawWindow(TVPMWindowID, void*) {}
+int CrashingClick(TVPMWindowID, int, int, TVPMMouseStatus, void*) { return Crash(), 1; }
+void Detached() {
+    for (;;) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+void FromThread(void (*call)()) {
+    std::thread worker(call);
+    worker.join();
+}
+
+TVPMWindowID CrashingWindow() {
+    TVPMCreateWindow_t p;
+    memset(&p, 0, sizeof p);
+    p.structSize = sizeof p;
+    p.left = 100, p.bottom = 100, p.right = 400, p.top = 300;
+    p.visible = 1;
+    p.drawWindowFunc = DrawWindow;
+    p.handleMouseClickFunc = CrashingClick;
+    p.layer = tvpm_WindowLayerFloatingWindows;
+    return TVPMCreateWindowEx(&p);
+}
+
+// What each case does when enabled; cases that must act at stop do so below.
+struct Case {
+    const char* name;
+    void (*enable)();
+};
+const Case kCases[] = {
+    {"leak_flight_loop", [] { TVPMRegisterFlightLoopCallback(Loop, -1, nullptr); }},
+    {"leak_command_handler", [] { TVPMRegisterCommandHandler(TVPMCreateCommand("test/leak", "Leak"), Handler, 1, nullptr); }},
+    {"leak_data_accessor", [] {
+         TVPMRegisterDataAccessor("test/leak/item", tvpmType_Int, 0, ReadInt, nullptr, nullptr, nullptr, nullptr,
+                                  nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+     }},
+    {"leak_hot_key", [] { TVPMRegisterHotKey('K', tvpm_DownFlag, "Leaked", HotKey, nullptr); }},
+    {"leak_draw_callback", [] { TVPMRegisterDrawCallback(Draw, tvpm_Phase_Window, 0, nullptr); }},
+    {"leak_key_sniffer", [] { TVPMRegisterKeySniffer(Sniff, 1, nullptr); }},
+    {"crash_menu_handler", [] {
+         TVPMMenuID m = TVPMCreateMenu("Crashing", TVPMFindPluginsMenu(), 0, CrashingMenu, nullptr);
+         TVPMAppendMenuItem(m, "Crash", nullptr, 0);
+     }},
+    {"crash_command_handler", [] {
+         s_command = TVPMCreateCommand("test/crash", "Crash");
+         TVPMRegisterCommandHandler(s_command, CrashingHandler, 1, nullptr);
+     }},
+    {"crash_data_accessor", [] {
+         TVPMRegisterDataAccessor("test/crash/item", tvpmType_Int, 0, CrashingRead, nullptr, nullptr, nullptr,
+                                  nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                  nullptr);
+     }},
+    {"crash_mouse_handler", [] { CrashingWindow(); }},
+    {"crash_key_sniffer", [] { TVPMRegisterKeySniffer(CrashingSniff, 1, nullptr); }},
+    {"crash_hot_key", [] { TVPMRegisterHotKey('Q', tvpm_DownFlag, "Crash", [](void*) { Crash(); }, nullptr); }},
+    {"error_menu_index", [] { TVPMRemoveMenuItem(TVPMFindPluginsMenu(), 4711); }},
+    {"error_feature", [] { TVPMEnableFeature("TVPM_NO_SUCH_FEATURE", 1); }},
+    {"error_struct_size", [] {
+         TVPMCreateFlightLoop_t p;
+         memset(&p, 0, sizeof p);
+         p.structSize = 12;
+         p.callbackFunc = Loop;
+         TVPMDestroyFlightLoop(TVPMCreateFlightLoop(&p));
+     }},
+    {"error_null_callback", [] {
+         TVPMCreateFlightLoop_t p;
+         memset(&p, 0, sizeof p);
+         p.structSize = sizeof p;
+         TVPMDestroyFlightLoop(TVPMCreateFlightLoop(&p));
+     }},
+    {"misspelt_data", [] { s_sink = TVPMFindDataRef("sim/flightmodel/position/elevatoin") != nullptr; }},
+    {"detached_thread", [] { std::thread(Detached).detach(); }},
+    {"thread_debug_string", [] { FromThread([] { TVPMDebugString("hello from a worker\n"); }); }},
+    {"thread_menu", [] { FromThread([] { s_sink = static_cast<int>(TVPMFindPluginsMenu() != nullptr); }); }},
+    {"thread_command", [] { FromThread([] { s_sink = TVPMFindCommand("sim/none") != nullptr; }); }},
+    {"hang_flight_loop", [] { TVPMRegisterFlightLoopCallback(Spin, -1, nullptr); }},
+    {"slow_flight_loop", [] { TVPMRegisterFlightLoopCallback(Slow, -1, nullptr); }},
+    {"open_file", [] { s_sink = open("/dev/null", O_RDONLY); }},
+    {"crash_message", [] {}},
+    {"name_overrun", [] {}},
+};
+
+const Case* This() {
+    for (const Case& c : kCases)
+        if (s_case == c.name) return &c;
+    return nullptr;
+}
+
+}  // namespace
+
+TVPM_PLUGIN_API int TPluginStart(char* outName, char* outSignature, char* outDescription) {
+    Dl_info info{};
+    dladdr(reinterpret_cast<void*>(&This), &info);
+    const std::string file = info.dli_fname ? info.dli_fname : "";
+    s_case = file.substr(file.rfind('/') + 1, file.rfind('.') - file.rfind('/') - 1);
+    strcpy(outName, ("Broken " + s_case).c_str());
+    strcpy(outSignature, ("test.broken." + s_case).c_str());
+    strcpy(outDescription, "Makes the mistake its file name names.");
+    if (s_case == "name_overrun") memset(outName, 'x', 400);
+    return This() != nullptr;
+}
+
+TVPM_PLUGIN_API int TPluginEnable(void) {
+    if (s_case.rfind("leak_", 0) == 0 || s_case == "open_file" || s_case == "detached_thread") {
+        static bool once = false;  // leaks once per load, not at every enable
+        if (once) return 1;
+        once = true;
+    }
+    This()->enable();
+    return 1;
+}
+
+TVPM_PLUGIN_API void TPluginDisable(void) {}
+TVPM_PLUGIN_API void TPluginStop(void) {}
+
+TVPM_PLUGIN_API void TPluginReceiveMessage(TVPMPluginID, int inMessage, void*) {
+    if (s_case == "crash_message" && inMessage >= 0x01000000) Crash();
+}

@@ -1,0 +1,225 @@
+// test_check.cpp: tvpm-host --check against a corpus of deliberately broken plugins, its selection options and its reports.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <regex>
+
+#include "HostRunner.h"
+
+namespace {
+
+struct BrokenCase {
+    const char* plugin;   // a case of broken_cases.tvp, or a plugin file of its own (*.tvp)
+    const char* args;     // beyond --check --frames 5 --seed 1
+    int status;
+    const char* finding;  // "<outcome> <check> ... <message part>", as printed
+};
+
+// One line per mistake plugin authors make; each must fail with its named check.
+const BrokenCase kCorpus[] = {
+    {"leak_flight_loop", "", 1, "fail    leftovers.*still had 1 flight loops registered after TPluginStop"},
+    {"leak_command_handler", "", 1, "fail    leftovers.*command handlers registered after TPluginStop"},
+    {"leak_data_accessor", "", 1, "fail    leftovers.*data items registered after TPluginStop"},
+    {"leak_hot_key", "", 1, "fail    leftovers.*1 hot keys registered after TPluginStop"},
+    {"leak_draw_callback", "", 1, "fail    leftovers.*1 draw callbacks registered after TPluginStop"},
+    {"leak_key_sniffer", "", 1, "fail    leftovers.*1 key sniffers registered after TPluginStop"},
+    {"broken_leak.tvp", "", 1, "fail    leftovers.*left behind: window 'Forgotten' was not released by the plugin"},
+    {"crash_menu_handler", "", 3, "crash   fuzz.*\\[fuzz round \\d+: menu pick 'Crash'\\] Segmentation fault during menu "
+                                  "handler \\(replay with --seed 1\\)\n    at [^\n]*crash_menu_handler.tvp \\+0x[0-9a-f]+ [\\s\\S]*CrashingMenu"},
+    {"crash_command_handler", "", 3, "crash   fuzz.*command 'test/crash' begin, hold and end[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingHandler"},
+    {"crash_data_accessor", "", 3, "crash   fuzz.*read and write of data item 'test/crash/item'[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingRead"},
+    {"crash_mouse_handler", "", 3, "crash   fuzz.*mouse click, drag and scroll[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingClick"},
+    {"crash_key_sniffer", "", 3, "crash   fuzz.*key .* down and up[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingSniff"},
+    {"crash_hot_key", "", 3, "crash   fuzz.*during key sniffers and hot keys"},
+    {"crash_message", "", 3, "crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage"
+                             "[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ TPluginReceiveMessage"},
+    {"broken_crash.tvp", "", 3, "crash   lifecycle        \\[disable\\] Segmentation fault during TPluginDisable"},
+    {"error_menu_index", "", 1, "fail    errors.*\"TVPMRemoveMenuItem was passed an out of range item index.\""},
+    {"error_feature", "", 1, "fail    errors.*\"Illegal feature name passed to TVPMEnableFeature\""},
+    {"error_struct_size", "", 1, "fail    errors.*\"Illegal struct size for TVPMCreateFlightLoop\""},
+    {"error_null_callback", "", 1, "fail    errors.*\"Null callback for TVPMCreateFlightLoop\""},
+    {"misspelt_data", "", 1, "fail    unknown-data.*'sim/flightmodel/position/elevatoin', which the simulator does "
+                             "not publish"},
+    {"broken_hidden_entry.tvp", "", 1, "fail    entry-points.*TPluginEnable is defined but not exported"},
+    {"detached_thread", "--fuzz 0", 3, "late-threads.*(still running after TPluginStop|used its code or data after the plugin was "
+                                       "unloaded\n    at .*detached_thread.tvp \\+0x[0-9a-f]+ \\(unloaded\\))"},
+    {"thread_debug_string", "", 1, "fail    threads.*Threading violation calling TVPMDebugString"},
+    {"thread_menu", "", 1, "fail    threads.*Threading violation calling TVPMFindPluginsMenu"},
+    {"thread_command", "", 1, "fail    threads.*Threading violation calling TVPMFindCommand"},
+    {"broken_thread.tvp", "", 1, "fail    threads.*Threading violation calling TVPMRegisterDrawCallback"},
+    {"hang_flight_loop", "--timeout 2", 4, "timeout lifecycle        \\[frames\\] did not finish the step within the "
+                                           "timeout, stuck during flight loops before the flight model\n.*Spin"},
+    {"slow_flight_loop", "--fuzz 0 --level 4", 1, "fail    timing.*a flight loop callback took \\d+ us, more than "
+                                                  "the frame budget of 16667 us at 60 fps"},
+    {"open_file", "", 1, "fail    file-descriptors.*opened by the plugin still open after it was unloaded: \\d+ "
+                         "\\(/dev/null\\)"},
+    {"broken_pinned.tvp", "", 1, "fail    code-unmapped"},
+    {"name_overrun", "", 1, "fail    caller-buffers   \\[start\\] \\[name_overrun.tvp\\]: buffer overrun: TPluginStart wrote "
+                            "past the end of the 256-byte name buffer"},
+    {"broken_start.tvp", "", 1, "fail    load.*refused to start"},
+    {"broken_deprecated.tvp", "--level 5", 1, "warn    warnings.*is deprecated"},
+};
+
+void PrintTo(const BrokenCase& c, std::ostream* os) { *os << c.plugin; }
+
+class CheckCorpus : public testing::TestWithParam<BrokenCase> {};
+
+TEST_P(CheckCorpus, FailsWithItsNamedCheckAndAMessage) {
+    const BrokenCase& c = GetParam();
+    TempDir dir;
+    std::string plugin = TestPlugin(c.plugin);
+    if (std::string(c.plugin).find(".tvp") == std::string::npos) {
+        plugin = dir / (std::string(c.plugin) + ".tvp");
+        std::filesystem::copy_file(TestPlugin("broken_cases.tvp"), plugin);
+    }
+    const HostOutcome o = RunHost("--check --frames 5 --seed 1 " + std::string(c.args) + " --plugin " + plugin);
+    EXPECT_EQ(o.status, c.status) << o.output;
+    EXPECT_TRUE(std::regex_search(o.output, std::regex(c.finding))) << c.finding << "\n" << o.output;
+    EXPECT_NE(o.output.find("0 of 1 plugins passed"), std::string::npos) << o.output;
+}
+
+INSTANTIATE_TEST_SUITE_P(Broken, CheckCorpus, testing::ValuesIn(kCorpus),
+                         [](const testing::TestParamInfo<BrokenCase>& info) {
+                             std::string name = info.param.plugin;
+                             return name.substr(0, name.find('.'));
+                         });
+
+std::string Examples() { return BinaryDir() + "/sim/Resources/plugins/"; }
+
+TEST(CheckOptions, ChecksAreListedSelectedByNamePatternAndLevelAndMisuseIsAUsageError) {
+    HostOutcome o = RunHost("--version");
+    EXPECT_TRUE(std::regex_search(o.output, std::regex("^tvpm-host [0-9.]+ \\(plugin interface 421, hook table 25\\)")));
+    o = RunHost("--list-data");
+    EXPECT_TRUE(std::regex_search(o.output, std::regex("\\nsim/graphics/view/legacy_frame_rate +float +no +deprecated\\n")))
+        << o.output;
+    EXPECT_TRUE(std::regex_search(o.output, std::regex("\\nsim/flightmodel/position/elevation +double +no +\\n")));
+    o = RunHost("--list-checks");
+    EXPECT_EQ(o.status, 0);
+    for (const char* check : {"load", "lifecycle", "threads", "leftovers", "errors", "unknown-data", "fuzz", "timing",
+                              "entry-points", "file-descriptors", "late-threads", "code-unmapped", "caller-buffers"})
+        EXPECT_TRUE(std::regex_search(o.output, std::regex(std::string("\n") + check + " +[1-5] +\\w"))) << check;
+    const std::string leaky = " --frames 5 --plugin " + TestPlugin("broken_leak.tvp");
+    const struct {
+        std::string args;
+        int status;
+    } kRuns[] = {{"--check --skip 'left*'" + leaky, 0},
+                 {"--check --only load,lifecycle" + leaky, 0},
+                 {"--check --only leftovers" + leaky, 1},
+                 {"--check --level 1 --skip leftovers" + leaky, 0},
+                 {"--check --only nonesuch" + leaky, 2},
+                 {"--check --level 6" + leaky, 2},
+                 {"--check --skip lifecycle --frames 5 --plugin " + TestPlugin("broken_crash.tvp"), 3},
+                 {"--level 2", 2}};
+    for (auto& run : kRuns) EXPECT_EQ(RunHost(run.args).status, run.status) << run.args;
+    o = RunHost("--check --level 1 --skip leftovers" + leaky);
+    EXPECT_NE(o.output.find("PASS  Broken Leak"), std::string::npos) << o.output;
+    EXPECT_EQ(o.output.find("Fuzzing"), std::string::npos) << o.output;
+}
+
+TEST(CheckReplay, ASeededCrashReplaysTheSameRoundAndTheSeedIsPrinted) {
+    TempDir dir;
+    const std::string plugin = dir / "crash_key_sniffer.tvp";
+    std::filesystem::copy_file(TestPlugin("broken_cases.tvp"), plugin);
+    const HostOutcome first = RunHost("--check --frames 5 --plugin " + plugin);
+    std::smatch seed, round;
+    ASSERT_TRUE(std::regex_search(first.output, seed, std::regex("Fuzzing 200 rounds with seed (\\d+)")))
+        << first.output;
+    ASSERT_TRUE(std::regex_search(first.output, round, std::regex("\\[fuzz round [^\\n]*"))) << first.output;
+    const HostOutcome again = RunHost("--check --frames 5 --seed " + seed[1].str() + " --plugin " + plugin);
+    EXPECT_EQ(again.status, 3);
+    EXPECT_NE(again.output.find(round.str()), std::string::npos) << round.str() << "\n" << again.output;
+}
+
+// Callback times under a sanitizer say nothing about the examples.
+#ifdef __SANITIZE_ADDRESS__
+constexpr const char* kHighest = "--level 5 --skip timing";
+#else
+constexpr const char* kHighest = "--level 5";
+#endif
+
+TEST(CheckExamples, PassAtTheDefaultAndTheHighestLevel) {
+    for (const char* level : {"", kHighest}) {
+        const HostOutcome o = RunHost(std::string("--check --frames 20 ") + level);
+        EXPECT_EQ(o.status, 0) << level << "\n" << o.output;
+        EXPECT_TRUE(std::regex_search(o.output, std::regex("\\n(\\d+) of \\1 plugins passed( \\(strict\\))?: all passed"))) << o.output;
+    }
+}
+
+TEST(CheckReports, JUnitParsesAndCarriesWhatCiReads) {
+    TempDir dir;
+    const HostOutcome o = RunHost("--check --frames 5 --seed 1 --junit " + (dir / "check.xml") + " --plugin " +
+                                  TestPlugin("broken_crash.tvp") + " --plugin " + TestPlugin("broken_leak.tvp") +
+                                  " --plugin " + Examples() + "panel_clock --level 2");
+    EXPECT_EQ(o.status, 3) << o.output;
+    const std::string xml = dir / "check.xml";
+    auto count = [&](const std::string& xpath) {
+        FILE* p = popen(("xmllint --xpath 'count(" + xpath + ")' '" + xml + "'").c_str(), "r");
+        char buf[64] = "";
+        if (p) {
+            if (!fgets(buf, sizeof buf, p)) buf[0] = 0;
+            pclose(p);
+        }
+        return std::string(buf, strcspn(buf, "\n"));
+    };
+    EXPECT_EQ(system(("xmllint --noout '" + xml + "'").c_str()), 0) << Slurp(xml);
+    EXPECT_EQ(count("/testsuites[@name and @tests and @failures and @errors and @time]"), "1");
+    EXPECT_EQ(count("/testsuites/testsuite[@name and @tests and @failures and @errors and @time]"), "3");
+    EXPECT_EQ(count("//testsuite[@name=\"Broken Crash\"]/testcase[@name=\"lifecycle\"]/error[@message]"), "1");
+    EXPECT_EQ(count("//testsuite[@name=\"Broken Leak\"]/testcase[@name=\"leftovers\"]/failure[@message]"), "1");
+    EXPECT_EQ(count("//testsuite[@name=\"Panel Clock\"]/testcase[@name=\"fuzz\"]/skipped"), "1");
+    EXPECT_EQ(count("//testsuite[@name=\"Panel Clock\"]//failure | //testsuite[@name=\"Panel Clock\"]//error"), "0");
+}
+
+}  // namespace
+
+namespace {
+
+std::string RenderedDom(const std::string& html) {
+    TempDir profile;
+    HostOutcome dom;
+    FILE* p = popen(("chromium --headless --no-sandbox --disable-gpu --no-first-run --disable-background-networking "
+                     "--disable-component-update --disable-sync --user-data-dir='" + profile.Path() +
+                     "' --dump-dom 'file://" + html + "' 2>/dev/null").c_str(), "r");
+    if (!p) return "";
+    char buf[4096];
+    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) dom.output.append(buf, n);
+    pclose(p);
+    return dom.output;
+}
+
+TEST(CheckReports, TheHtmlChartRendersEachCategoryAndTheFrameBudgetInABrowser) {
+    if (system("command -v chromium >/dev/null") != 0) GTEST_SKIP() << "chromium is not installed";
+    TempDir dir;
+    const HostOutcome o = RunHost("--check --frames 20 --fuzz 0 --html " + (dir / "check.html") + " --plugin " +
+                                  BinaryDir() + "/sim/Resources/plugins/panel_clock");
+    EXPECT_EQ(o.status, 0) << o.output;
+    const std::string dom = RenderedDom(dir / "check.html");
+    EXPECT_NE(dom.find("PASS Panel Clock"), std::string::npos) << dom;
+    // Panel Clock runs a flight loop and draws its window: one band each, stacked.
+    for (const char* category : {"flight loop", "window drawing"})
+        EXPECT_TRUE(std::regex_search(dom, std::regex(std::string("<polygon class=\"series\" data-category=\"") +
+                                                      category + "\" fill=\"#[0-9a-f]{6}\" points=\"0,[0-9.]+ ")))
+            << category << "\n" << dom;
+    EXPECT_TRUE(std::regex_search(dom, std::regex("<line class=\"budget\" x1=\"0\" x2=\"720\" y1=\"([0-9.]+)\" "
+                                                  "y2=\"\\1\"")))
+        << dom;
+    EXPECT_EQ(dom.find("http"), dom.find("http://www.w3.org/2000/svg")) << "no network";
+}
+
+}  // namespace
+
+TEST(HostRunCrash, APluginCrashingTheRunIsReportedWithItsStepAndTheReportIsStillWritten) {
+    TempDir dir;
+    const HostOutcome o = RunHost("--quiet --frames 5 --report " + (dir / "run.json") + " --plugin " +
+                                  TestPlugin("broken_crash.tvp"));
+    EXPECT_EQ(o.status, 3) << o.output;
+    EXPECT_NE(o.output.find("Segmentation fault in step 'shut-down' during TPluginDisable and TPluginStop at "
+                            "shut-down, in plugin /"),
+              std::string::npos)
+        << o.output;
+    EXPECT_NE(Slurp(dir / "run.json").find("{\"mode\":\"run\",\"ok\":false,\"crash\":{\"signal\":\"Segmentation "
+                                           "fault\",\"step\":\"shut-down\""),
+              std::string::npos)
+        << Slurp(dir / "run.json");
+}
