@@ -52,7 +52,11 @@ TVPM_API int TVPMEnablePlugin(TVPMPluginID id) {
     Step("enable %d", id);
     return 1;
 }
-void* TVPMLoadDLL(const char* path) {
+TVPMFileKind TVPMLookAtFile(const char*, const char** outWhyNot) {
+    *outWhyNot = nullptr;
+    return TVPMFileKind::kRegular;
+}
+void* TVPMOpenDLL(const char* path) {
     return std::string(path) == "/sim/Resources/plugins/one.tvp" ? kDll : nullptr;
 }
 void TVPMUnloadDLL(void* dll) { Step("close %p", dll); }
@@ -74,7 +78,6 @@ StLoaderCall::StLoaderCall(TVPMPluginID id, const void* dll)
 StLoaderCall::~StLoaderCall() { gDispatchedPlugin = saved_; }
 void TVPMPublishPluginLibrary(uint64_t, const void*, TVPMPluginID, const std::string&) {}
 void TVPMWithdrawPluginLibrary(uint64_t) {}
-const char* TVPMWhyNotAPluginFile(const char*) { return nullptr; }
 void TVPMReportBufferOverrun(TVPMPluginID, const char*, const char*) {}
 void TVPMReportPluginThrow(TVPMPluginID, TVPMCallSite, const char*) {}
 StLoaderBusy::StLoaderBusy() {}

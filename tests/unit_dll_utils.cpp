@@ -118,11 +118,14 @@ TEST(DllUtils, SuffixPatternMatchesWithoutCaseAndDirListsFolders) {
     for (const char* name : {"plain", "navdir", "folder.tvp"})
         fs::create_directory(dir.path + "/" + name);
     fs::create_symlink(dir.path + "/gone", dir.path + "/dangling");
+    // Links are followed: one to a folder lists as a folder, one to a file not.
+    fs::create_directory_symlink(dir.path + "/plain", dir.path + "/linked");
+    fs::create_symlink(dir.path + "/b.tvp", dir.path + "/filelink");
 
     EXPECT_EQ(Fetch(dir.path, "*.tvp"), (Names{"A.TVP", "b.tvp", "folder.tvp"}));
     // A folder whose name ends in "dir" matches the suffix rule and the folder rule.
-    EXPECT_EQ(Fetch(dir.path, "DIR"), (Names{"folder.tvp", "navdir", "navdir", "plain"}));
-    EXPECT_EQ(Fetch(dir.path, "*.*").size(), 9u);
+    EXPECT_EQ(Fetch(dir.path, "DIR"), (Names{"folder.tvp", "linked", "navdir", "navdir", "plain"}));
+    EXPECT_EQ(Fetch(dir.path, "*.*").size(), 11u);
     EXPECT_TRUE(Fetch(dir.path + "/missing", "*.*").empty());
     Names none;
     TVPMFetchDirectoryContents(nullptr, "*.*", none);

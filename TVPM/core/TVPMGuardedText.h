@@ -26,8 +26,10 @@ public:
     // Terminates the text within the contract; true when the plugin wrote
     // past it.
     bool Seal() {
-        bool overrun = false;
-        for (size_t i = 0; i < kGuardSize && !overrun; ++i) overrun = guard_[i] != kPattern;
+        // The guard is compared with itself shifted by one byte: untouched
+        // iff every byte equals its neighbour and the first is the pattern.
+        const bool overrun =
+            guard_[0] != kPattern || memcmp(guard_, guard_ + 1, kGuardSize - 1) != 0;
         text_[kContractSize - 1] = 0;
         return overrun;
     }

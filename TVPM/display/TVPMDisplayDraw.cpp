@@ -3,6 +3,11 @@
 #include "TVPMUnitHooks.h"
 #include "UTL_timing.h"
 
+// Never destroyed: records still listed at exit erase themselves from it.
+TVPMRecordIndex<TVPMDrawCallbackRecord>& TVPMDrawCallbackKeys() {
+    static auto* keys = new TVPMRecordIndex<TVPMDrawCallbackRecord>;
+    return *keys;
+}
 TVPMResourceList<TVPMDrawCallbackRecord> gDrawCallbacks;
 
 TVPM_FAMILY_RECORD_COUNT("draw callbacks",
@@ -153,10 +158,9 @@ TVPM_API int TVPMRegisterDrawCallback(TVPMDrawCallback_f inCallback, TVPMDrawing
     // Held over the scan and the insertion; the scan also sees records removed
     // during a walk, which count as registered until the walk ends.
     TVPMWalk<TVPMDrawCallbackRecord, TVPMVisit::kLiveAndRemoved> walk(gDrawCallbacks);
-    while (auto* r = walk.Next())
-        if (r->callback == inCallback && r->phase == inPhase && r->preCallback == inWantsBefore &&
-            r->refcon == inRefcon)
-            return 0;
+    if (TVPMDrawCallbackKeys().Any(TVPMCallbackKey(inCallback, inPhase, inWantsBefore, inRefcon),
+                                   [](const TVPMDrawCallbackRecord*) { return true; }))
+        return 0;
     gDrawCallbacks.Add(
         new TVPMDrawCallbackRecord(inCallback, gDispatchedPlugin, inPhase, inWantsBefore, inRefcon));
     return 1;

@@ -2,6 +2,11 @@
 #include "TVPMDisplayPrivate.h"
 #include "TVPMUnitHooks.h"
 
+// Never destroyed: records still listed at exit erase themselves from it.
+TVPMRecordIndex<TVPMKeyCallbackRecord>& TVPMKeySnifferKeys() {
+    static auto* keys = new TVPMRecordIndex<TVPMKeyCallbackRecord>;
+    return *keys;
+}
 TVPMResourceList<TVPMKeyCallbackRecord> gKeyCallbacks;
 
 TVPM_FAMILY_RECORD_COUNT("key sniffers",
@@ -179,8 +184,9 @@ TVPM_API int TVPMRegisterKeySniffer(TVPMKeySniffer_f inCallback, int inBeforeWin
     TVPM_CHECK_THREAD();
     if (!inCallback) return 0;
     TVPMWalk<TVPMKeyCallbackRecord> walk(gKeyCallbacks);
-    while (auto* r = walk.Next())
-        if (SameSniffer(r, inCallback, inBeforeWindows, inRefcon)) return 0;
+    if (TVPMKeySnifferKeys().Any(TVPMCallbackKey(inCallback, inBeforeWindows, 0, inRefcon),
+                                 [](const TVPMKeyCallbackRecord* r) { return !r->is_dead(); }))
+        return 0;
     gKeyCallbacks.Add(
         new TVPMKeyCallbackRecord(inCallback, gDispatchedPlugin, inBeforeWindows, inRefcon));
     return 1;

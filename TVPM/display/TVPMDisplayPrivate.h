@@ -6,28 +6,44 @@
 
 #include "TVPM/TVPMDisplay.h"
 #include "TVPMPrivate.h"
+#include "TVPMRecordIndex.h"
 
 // ---------------------------------------------------------------------------
 // Records.
 
+// The values each registration's duplicate rule compares, as index keys.
+template <class Callback>
+TVPMRecordKey TVPMCallbackKey(Callback cb, intptr_t a, intptr_t b, void* ref) {
+    return {reinterpret_cast<uintptr_t>(cb), static_cast<uintptr_t>(a), static_cast<uintptr_t>(b),
+            reinterpret_cast<uintptr_t>(ref)};
+}
+struct TVPMDrawCallbackRecord;
+struct TVPMKeyCallbackRecord;
+TVPMRecordIndex<TVPMDrawCallbackRecord>& TVPMDrawCallbackKeys();
+TVPMRecordIndex<TVPMKeyCallbackRecord>& TVPMKeySnifferKeys();
+
 struct TVPMDrawCallbackRecord : TVPMResource_t<TVPMDrawCallbackRecord> {
     TVPMDrawCallbackRecord(TVPMDrawCallback_f cb, TVPMPluginID who, TVPMDrawingPhase ph, int pre,
                            void* ref)
-        : callback(cb), plugin(who), phase(ph), preCallback(pre), refcon(ref) {}
+        : callback(cb), plugin(who), phase(ph), preCallback(pre), refcon(ref),
+          indexed(TVPMDrawCallbackKeys(), TVPMCallbackKey(cb, ph, pre, ref), this) {}
     TVPMDrawCallback_f callback;
     TVPMPluginID plugin;
     TVPMDrawingPhase phase;
     int preCallback;  // as registered, not normalised
     void* refcon;
+    TVPMIndexedKey<TVPMDrawCallbackRecord> indexed;
 };
 
 struct TVPMKeyCallbackRecord : TVPMResource_t<TVPMKeyCallbackRecord> {
     TVPMKeyCallbackRecord(TVPMKeySniffer_f cb, TVPMPluginID who, int before, void* ref)
-        : callback(cb), plugin(who), beforeWindows(before), refcon(ref) {}
+        : callback(cb), plugin(who), beforeWindows(before), refcon(ref),
+          indexed(TVPMKeySnifferKeys(), TVPMCallbackKey(cb, before, 0, ref), this) {}
     TVPMKeySniffer_f callback;
     TVPMPluginID plugin;
     int beforeWindows;
     void* refcon;
+    TVPMIndexedKey<TVPMKeyCallbackRecord> indexed;
 };
 
 // Its address is the TVPMWindowID handed to the plugin.

@@ -42,26 +42,54 @@ bool EndsWithNoCase(const char* name, const char* suffix) {
     return true;
 }
 
+const char* WhatItIs(mode_t mode) {
+    if (S_ISDIR(mode)) return "a folder";
+    if (S_ISFIFO(mode)) return "a named pipe";
+    if (S_ISSOCK(mode)) return "a socket";
+    if (S_ISCHR(mode) || S_ISBLK(mode)) return "a device";
+    return "not a regular file";
+}
+
+// Whether a listed entry is a folder: the entry's own type where the file
+// system gives it, else (and for links, which may lead to a folder) a stat.
+bool IsFolderEntry(const char* folder, const dirent* entry) {
+    if (entry->d_type == DT_DIR) return true;
+    if (entry->d_type != DT_UNKNOWN && entry->d_type != DT_LNK) return false;
+    const std::string full = std::string(folder) + "/" + entry->d_name;
+    struct stat st;
+    if (stat(full.c_str(), &st) == 0) return S_ISDIR(st.st_mode);
+    printf("name %s, errno %d\n", entry->d_name, errno);
+    return false;
+}
+
 }  // namespace
 
-const char* TVPMWhyNotAPluginFile(const char* path) {
+TVPMFileKind TVPMLookAtFile(const char* path, const char** outWhyNot) {
     struct stat st;
-    if (!path || stat(path, &st) != 0 || S_ISREG(st.st_mode)) return nullptr;
-    if (S_ISDIR(st.st_mode)) return "a folder";
-    if (S_ISFIFO(st.st_mode)) return "a named pipe";
-    if (S_ISSOCK(st.st_mode)) return "a socket";
-    if (S_ISCHR(st.st_mode) || S_ISBLK(st.st_mode)) return "a device";
-    return "not a regular file";
+    if (outWhyNot) *outWhyNot = nullptr;
+    if (!path || stat(path, &st) != 0) return TVPMFileKind::kMissing;
+    if (S_ISREG(st.st_mode)) return TVPMFileKind::kRegular;
+    if (outWhyNot) *outWhyNot = WhatItIs(st.st_mode);
+    return TVPMFileKind::kOther;
+}
+
+const char* TVPMWhyNotAPluginFile(const char* path) {
+    const char* why = nullptr;
+    TVPMLookAtFile(path, &why);
+    return why;
+}
+
+void* TVPMOpenDLL(const char* inName) {
+    void* handle = dlopen(inName, RTLD_NOW);
+    if (!handle) LogDlError();
+    return handle;
 }
 
 // Only regular files are opened: opening a named pipe or a device could block
 // start-up for ever.
 void* TVPMLoadDLL(const char* inName) {
-    struct stat st;
-    if (!inName || stat(inName, &st) != 0 || !S_ISREG(st.st_mode)) return nullptr;
-    void* handle = dlopen(inName, RTLD_NOW);
-    if (!handle) LogDlError();
-    return handle;
+    return TVPMLookAtFile(inName, nullptr) == TVPMFileKind::kRegular ? TVPMOpenDLL(inName)
+                                                                     : nullptr;
 }
 
 void TVPMUnloadDLL(void* dll) {
@@ -103,13 +131,7 @@ void TVPMFetchDirectoryContents(const char* inPath, const char* inSuffixPattern,
         const char* name = entry->d_name;
         if (strcmp(name, ".") == 0 || strcmp(name, "..") == 0) continue;
         if (TVPMNameMatchesPattern(name, inSuffixPattern)) outFileList.push_back(name);
-        if (!dirs) continue;
-        std::string full = std::string(inPath) + "/" + name;
-        struct stat st;
-        if (stat(full.c_str(), &st) != 0)
-            printf("name %s, errno %d\n", name, errno);
-        else if (S_ISDIR(st.st_mode))
-            outFileList.push_back(name);
+        if (dirs && IsFolderEntry(inPath, entry)) outFileList.push_back(name);
     }
     closedir(dir);
 }

@@ -14,6 +14,13 @@ void TVPMUnloadDLL(void* dll);
 // What is at path when it exists but is not a regular file ("a named pipe",
 // "a device", ...), or null. Looks without opening.
 const char* TVPMWhyNotAPluginFile(const char* path);
+// What is at path, found without opening it; outWhyNot (may be null) gets the
+// text of TVPMWhyNotAPluginFile.
+enum class TVPMFileKind { kMissing, kRegular, kOther };
+TVPMFileKind TVPMLookAtFile(const char* path, const char** outWhyNot);
+// dlopen with immediate binding of a file known to be regular; null (logged
+// as "dlerror:") when it cannot be loaded.
+void* TVPMOpenDLL(const char* inName);
 // dlsym on inDLL; a missing symbol is logged when inLogErrors is non-zero.
 void* TVPMFindSymbol(void* inDLL, const char* inSymbol, int inLogErrors);
 // The loaded library holding the code num_frames frames up the caller's stack.

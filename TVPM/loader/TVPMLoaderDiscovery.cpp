@@ -4,6 +4,7 @@
 #include <utility>
 #include <cstring>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "TVPM/TVPMPlugin.h"
@@ -53,13 +54,36 @@ std::string NameFromPath(const std::string& path) {
     return start <= path.size() ? path.substr(start) : std::string();
 }
 
+// The plugin table's signatures, each to the ID that took it. Only this unit
+// gives records signatures, and it refuses duplicates, so a signature is on
+// at most one record: the one indexed last. Trimming or clearing the table
+// leaves entries behind, so a hit is checked against the table.
+std::unordered_map<std::string, TVPMPluginID> s_signatureIndex;
+
+void SetSignature(TVPMPluginID id, const char* signature) {
+    gAllPlugins[static_cast<size_t>(id)].signature = signature;
+    s_signatureIndex[signature] = id;
+}
+
+// The first plugin whose signature equals signature, or -1. The record being
+// loaded has no signature yet, so an empty one is always found.
+TVPMPluginID FindSignature(const char* signature) {
+    if (!*signature) return TVPMCountPlugins() - 1;
+    const auto it = s_signatureIndex.find(signature);
+    if (it == s_signatureIndex.end()) return TVPM_NO_PLUGIN_ID;
+    const PluginRecord* r = TVPMGetPluginRecord(it->second);
+    if (r && r->signature == signature) return it->second;
+    s_signatureIndex.erase(it);
+    return TVPM_NO_PLUGIN_ID;
+}
+
 void AddHostRecord() {
     PluginRecord& host = gAllPlugins.emplace_back();
     host.name = "Torvane";
-    host.signature = "norvel.torvane.torvane";
     host.description = "Torvane flight simulator";
     host.receiveMessageFunc = gHooks->TorvaneReceiveMessage_f;
     host.enabled = true;
+    SetSignature(TVPMCountPlugins() - 1, "norvel.torvane.torvane");
 }
 
 // The five entry points, resolved in this order; each missing one is logged.
@@ -164,13 +188,15 @@ void RefuseDuplicate(TVPMPluginID id, const std::string& path, const char* signa
 TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
                            int isCurrentAcfPlugin) {
     if (!gHooks->TVPMShouldLoadPlugin_f(inPluginPath.c_str())) return TVPM_NO_PLUGIN_ID;
-    if (const char* what = TVPMWhyNotAPluginFile(inPluginPath.c_str())) {
+    const char* what = nullptr;
+    const TVPMFileKind kind = TVPMLookAtFile(inPluginPath.c_str(), &what);
+    if (kind == TVPMFileKind::kOther) {
         LogOutcome("Failed: ", inPluginPath,
                    (std::string(".  (This is ") + what +
                     ", not a plugin file; it was not opened.)\n\n").c_str());
         return TVPM_NO_PLUGIN_ID;
     }
-    void* dll = TVPMLoadDLL(inPluginPath.c_str());
+    void* dll = kind == TVPMFileKind::kRegular ? TVPMOpenDLL(inPluginPath.c_str()) : nullptr;
     if (!dll) {
         if (inLegacyPlugin)
             LogOutcome("Failed: ", inPluginPath,
@@ -212,7 +238,7 @@ TVPMPluginID LoadOnePlugin(const std::string& inPluginPath, int inLegacyPlugin,
     }
     PluginRecord& r = gAllPlugins[static_cast<size_t>(id)];
     r.name = name;
-    r.signature = signature;
+    SetSignature(id, signature);
     r.description = description;
     TVPMPublishPluginLibrary(r.generation, dll, id, r.name);
     TVPMDebugString("Loaded: ");

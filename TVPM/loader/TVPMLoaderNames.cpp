@@ -31,9 +31,10 @@ void TVPMPublishPluginLibrary(uint64_t generation, const void* dll, TVPMPluginID
                               const std::string& name) {
     std::lock_guard<std::mutex> lock(s_mutex);
     const char* interned = Intern(name);
-    for (PublishedLibrary& entry : s_libraries)
-        if (entry.generation == generation) {
-            entry = {generation, dll, id, interned};
+    // Newest first: a library is published again right after its start.
+    for (auto entry = s_libraries.rbegin(); entry != s_libraries.rend(); ++entry)
+        if (entry->generation == generation) {
+            *entry = {generation, dll, id, interned};
             return;
         }
     s_libraries.push_back({generation, dll, id, interned});
@@ -41,7 +42,7 @@ void TVPMPublishPluginLibrary(uint64_t generation, const void* dll, TVPMPluginID
 
 void TVPMWithdrawPluginLibrary(uint64_t generation) {
     std::lock_guard<std::mutex> lock(s_mutex);
-    for (size_t i = 0; i < s_libraries.size(); ++i)
+    for (size_t i = s_libraries.size(); i-- > 0;)
         if (s_libraries[i].generation == generation) {
             s_libraries.erase(s_libraries.begin() + static_cast<long>(i));
             return;

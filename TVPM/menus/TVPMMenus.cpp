@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "TVPM/TVPMMenus.h"
@@ -28,6 +29,8 @@ struct TVPMMenuInfo_t {
     std::vector<TVPMItemInfo_t> items;  // in host order: index = the host's item index
     TVPMMenuHandler_f handler;
     TVPMPluginID plugin;
+    // How many of the items each plugin appended, so that appending is O(1).
+    std::unordered_map<TVPMPluginID, int> itemsOwned;
 };
 
 // In creation order. Owned here, so that menus a host never shut down are
@@ -81,14 +84,6 @@ int TVPMItemPluginToGlobal(const TVPMMenuInfo_t* menu, int n, TVPMPluginID plugi
     return -1;
 }
 
-// How many items of plugin come before host index global.
-int TVPMItemGlobalToPlugin(const TVPMMenuInfo_t* menu, int global, TVPMPluginID plugin) {
-    int n = 0;
-    for (int i = 0; i < global; ++i)
-        if (menu->items[static_cast<size_t>(i)].plugin == plugin) ++n;
-    return n;
-}
-
 // The current plugin's item inIndex of inMenu, or null (reported with text)
 // for an unknown menu or an index out of range.
 TVPMItemInfo_t* FindOwnItem(TVPMMenuID inMenu, int inIndex, const char* rangeError,
@@ -106,23 +101,35 @@ TVPMItemInfo_t* FindOwnItem(TVPMMenuID inMenu, int inIndex, const char* rangeErr
 
 int AppendItem(TVPMMenuInfo_t* menu, int code, void* itemRef, TVPMCommandRef command) {
     menu->items.push_back({code, itemRef, command, tvpm_Menu_NoCheck, 1, gDispatchedPlugin});
-    return TVPMItemGlobalToPlugin(menu, static_cast<int>(menu->items.size()) - 1,
-                                  gDispatchedPlugin);
+    // The new item is the plugin's last: its index is the count before it.
+    return menu->itemsOwned[gDispatchedPlugin]++;
+}
+
+void ForgetItemsOwned(TVPMMenuInfo_t* menu, TVPMPluginID plugin, int count) {
+    auto it = menu->itemsOwned.find(plugin);
+    if (it != menu->itemsOwned.end() && (it->second -= count) <= 0) menu->itemsOwned.erase(it);
 }
 
 void RemoveGlobalItem(TVPMMenuInfo_t* menu, int global) {
     gHooks->TVPMRemoveMenuItem_f(menu->menuHandle, global);
+    ForgetItemsOwned(menu, menu->items[static_cast<size_t>(global)].plugin, 1);
     menu->items.erase(menu->items.begin() + global);
 }
 
+// One pass: the host is told of each item at the index it has once the ones
+// before it are gone, first to last, as if they were removed one by one.
 void RemoveItemsOf(TVPMMenuInfo_t* menu, TVPMPluginID plugin) {
     if (!menu) return;
-    for (size_t i = 0; i < menu->items.size();) {
+    int removed = 0;
+    for (size_t i = 0; i < menu->items.size(); ++i)
         if (menu->items[i].plugin == plugin)
-            RemoveGlobalItem(menu, static_cast<int>(i));
-        else
-            ++i;
-    }
+            gHooks->TVPMRemoveMenuItem_f(menu->menuHandle, static_cast<int>(i) - removed++);
+    menu->items.erase(std::remove_if(menu->items.begin(), menu->items.end(),
+                                     [plugin](const TVPMItemInfo_t& item) {
+                                         return item.plugin == plugin;
+                                     }),
+                      menu->items.end());
+    ForgetItemsOwned(menu, plugin, removed);
 }
 
 // A menu the host no longer shows; the shared menus are forgotten with it.
@@ -188,7 +195,7 @@ TVPM_API TVPMMenuID TVPMCreateMenu(const char* inName, TVPMMenuID inParentMenu, 
         parentItem = TVPMItemPluginToGlobal(parent, inParentItem, gDispatchedPlugin);
     }
     const intptr_t handle = gHooks->TVPMCreateMenu_f(parentHandle, parentItem, NonNull(inName));
-    return gMenus.Add(new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin});
+    return gMenus.Add(new TVPMMenuInfo_t{handle, inMenuRef, {}, inHandler, gDispatchedPlugin, {}});
 }
 
 TVPM_API int TVPMAppendMenuItem(TVPMMenuID inMenu, const char* inItemName, void* inItemRef,
