@@ -28,6 +28,7 @@ std::string s_log;
 void TVPMDebugString(const char* text) { s_log += text; }
 void TVPMFindAndLoadPlugins(const char*) {}
 void TVPMFindAndLoadAcfPlugins(const char*) {}
+TVPMPluginID TVPMIndexedSignatureOwner(const char*) { return TVPM_NO_PLUGIN_ID; }
 
 namespace {
 

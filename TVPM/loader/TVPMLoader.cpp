@@ -79,6 +79,7 @@ TVPM_API TVPMPluginID TVPMFindPluginByPath(const char* inPath) {
 TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* inSignature) {
     TVPM_CHECK_THREAD_IF_DIAGNOSING();
     if (!inSignature) return TVPM_NO_PLUGIN_ID;
+    if (*inSignature) return TVPMIndexedSignatureOwner(inSignature);
     for (size_t i = 0; i < gAllPlugins.size(); ++i)
         if (gAllPlugins[i].signature == inSignature) return static_cast<TVPMPluginID>(i);
     return TVPM_NO_PLUGIN_ID;

@@ -4,6 +4,9 @@
 #include "TVPMHost.h"
 
 int TVPMHasFeatureInternal(TVPMPluginID id, int index);
+// The plugin that holds a non-empty signature, or -1 (the loader refuses
+// duplicates, so there is at most one).
+TVPMPluginID TVPMIndexedSignatureOwner(const char* signature);
 // The plugin whose library handle is dll, or -1.
 TVPMPluginID TVPMPluginFromDLL(void* dll);
 // TVPMFindPluginForIP, which names the plugin whose library holds a code

@@ -65,10 +65,10 @@ void SetSignature(TVPMPluginID id, const char* signature) {
     s_signatureIndex[signature] = id;
 }
 
-// The first plugin whose signature equals signature, or -1. The record being
-// loaded has no signature yet, so an empty one is always found.
-TVPMPluginID FindSignature(const char* signature) {
-    if (!*signature) return TVPMCountPlugins() - 1;
+}  // namespace
+
+// The plugin that holds a non-empty signature, or -1, without a scan.
+TVPMPluginID TVPMIndexedSignatureOwner(const char* signature) {
     const auto it = s_signatureIndex.find(signature);
     if (it == s_signatureIndex.end()) return TVPM_NO_PLUGIN_ID;
     const PluginRecord* r = TVPMGetPluginRecord(it->second);
@@ -76,6 +76,8 @@ TVPMPluginID FindSignature(const char* signature) {
     s_signatureIndex.erase(it);
     return TVPM_NO_PLUGIN_ID;
 }
+
+namespace {
 
 void AddHostRecord() {
     PluginRecord& host = gAllPlugins.emplace_back();
