@@ -10,14 +10,11 @@
 #include <sstream>
 #include <string>
 
+#include "HostRunner.h"
+
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string BinaryDir() {
-    if (const char* dir = getenv("TVPM_BINARY_DIR")) return dir;
-    return fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
-}
 
 // A value of the build's CMakeCache.txt, e.g. CMAKE_COMMAND.
 std::string CacheValue(const std::string& key) {
@@ -27,21 +24,8 @@ std::string CacheValue(const std::string& key) {
     return "";
 }
 
-struct Outcome {
-    int status = -1;
-    std::string output;
-};
-
-Outcome Shell(const std::string& command) {
-    Outcome o;
-    FILE* p = popen((command + " 2>&1").c_str(), "r");
-    if (!p) return o;
-    char buf[4096];
-    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) o.output.append(buf, n);
-    const int raw = pclose(p);
-    o.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    return o;
-}
+using Outcome = HostOutcome;
+Outcome Shell(const std::string& command) { return RunShell(command); }
 
 std::string Quote(const std::string& s) { return "'" + s + "'"; }
 

@@ -24,9 +24,10 @@ inline std::string BinaryDir() {
 inline std::string Host() { return BinaryDir() + "/host/tvpm-host"; }
 inline std::string TestPlugin(const std::string& name) { return std::string(TVPM_TEST_PLUGIN_DIR) + "/" + name; }
 
-inline HostOutcome RunHost(const std::string& args) {
+// Runs a shell command; its exit status (-1 when it did not exit) and what it printed.
+inline HostOutcome RunShell(const std::string& command) {
     HostOutcome o;
-    FILE* p = popen(("'" + Host() + "' " + args + " 2>&1").c_str(), "r");
+    FILE* p = popen((command + " 2>&1").c_str(), "r");
     if (!p) return o;
     char buf[4096];
     for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) o.output.append(buf, n);
@@ -34,6 +35,8 @@ inline HostOutcome RunHost(const std::string& args) {
     o.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     return o;
 }
+
+inline HostOutcome RunHost(const std::string& args) { return RunShell("'" + Host() + "' " + args); }
 
 inline std::string Slurp(const std::string& file) {
     std::ifstream in(file);
