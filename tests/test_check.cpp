@@ -34,6 +34,8 @@ const BrokenCase kCorpus[] = {
     {"crash_hot_key", "", 3, "crash   fuzz.*during key sniffers and hot keys"},
     {"crash_message", "", 3, "crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage"
                              "[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ TPluginReceiveMessage"},
+    {"crash_fuzz_enable", "--seed 7", 3, "crash   fuzz.*\\[fuzz round \\d+: disable, a frame, enable\\] Segmentation fault "
+                                         "during TPluginDisable and TPluginEnable \\(replay with --seed 7\\)"},
     {"broken_crash.tvp", "", 3, "crash   lifecycle        \\[disable\\] Segmentation fault during TPluginDisable"},
     {"error_menu_index", "", 1, "fail    errors.*\"TVPMRemoveMenuItem was passed an out of range item index.\""},
     {"error_feature", "", 1, "fail    errors.*\"Illegal feature name passed to TVPMEnableFeature\""},

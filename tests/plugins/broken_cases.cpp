@@ -120,6 +120,7 @@ const Case kCases[] = {
     {"slow_flight_loop", [] { TVPMRegisterFlightLoopCallback(Slow, -1, nullptr); }},
     {"open_file", [] { s_sink = open("/dev/null", O_RDONLY); }},
     {"crash_message", [] {}},
+    {"crash_fuzz_enable", [] {}},
     {"name_overrun", [] {}},
 };
 
@@ -144,6 +145,9 @@ TVPM_PLUGIN_API int TPluginStart(char* outName, char* outSignature, char* outDes
 }
 
 TVPM_PLUGIN_API int TPluginEnable(void) {
+    // Survives the check's own enables; fails once fuzzing toggles it on and off.
+    static int enables = 0;
+    if (s_case == "crash_fuzz_enable" && ++enables == 5) Crash();
     if (s_case.rfind("leak_", 0) == 0 || s_case == "open_file" || s_case == "detached_thread") {
         static bool once = false;  // leaks once per load, not at every enable
         if (once) return 1;
