@@ -123,9 +123,9 @@ void MakeStepTimer() {
 
 void ArmStepTimer() {
     if (!s_timerMade || !s_timeout) return;
-    itimerspec spec{};
-    spec.it_value.tv_sec = s_timeout;
-    timer_settime(s_timer, 0, &spec, nullptr);
+    itimerspec deadline{};
+    deadline.it_value.tv_sec = s_timeout;
+    timer_settime(s_timer, 0, &deadline, nullptr);
 }
 
 int RememberRange(dl_phdr_info* info, size_t, void* wanted) {

@@ -17,14 +17,6 @@
 extern "C" {
 #endif
 
-#ifndef TVPM_PIN_LAYOUT
-#ifdef __cplusplus
-#define TVPM_PIN_LAYOUT(tag, cond) static_assert(cond, #tag)
-#else
-#define TVPM_PIN_LAYOUT(tag, cond) typedef char tvpm_layout_##tag[(cond) ? 1 : -1]
-#endif
-#endif
-
 #define TVPM_CAMERA_POSITION_SIZE 28
 /* The camera, in local OpenGL metres and degrees; zoom 1 is normal. */
 typedef struct TVPMCameraPosition_t {

@@ -34,6 +34,7 @@
 #ifndef TVPMDefs_h
 #define TVPMDefs_h
 
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -44,6 +45,14 @@
 
 /* Every interface function is a plain C function with default visibility. */
 #define TVPM_API TVPM_EXTERN_C __attribute__((visibility("default")))
+
+/* Pins a public structure's size or a field's offset: the header fails to
+ * compile, as C or as C++, if the layout ever changes. tag names the check. */
+#ifdef __cplusplus
+#define TVPM_PIN_LAYOUT(tag, cond) static_assert(cond, #tag)
+#else
+#define TVPM_PIN_LAYOUT(tag, cond) typedef char tvpm_layout_##tag[(cond) ? 1 : -1]
+#endif
 
 /* Plugin entry points: what a plugin exports so that TVPM can find them. */
 #define TVPM_PLUGIN_API TVPM_EXTERN_C __attribute__((visibility("default")))

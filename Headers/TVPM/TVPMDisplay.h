@@ -434,24 +434,18 @@ TVPM_API void TVPMSetAvionicsGeometryOS(TVPMAvionicsID inHandle, int inLeft, int
                                         int inRight, int inBottom);
 
 /* The layouts above are fixed: these fail to compile if they change. */
-#ifdef __cplusplus
-#define TVPM_AVIONICS_PIN(name, condition) static_assert(condition, #name)
-#else
-#define TVPM_AVIONICS_PIN(name, condition) typedef char tvpm_avionics_pin_##name[(condition) ? 1 : -1]
-#endif
-TVPM_AVIONICS_PIN(customize_size, sizeof(TVPMCustomizeAvionics_t) == TVPM_CUSTOMIZE_AVIONICS_SIZE);
-TVPM_AVIONICS_PIN(customize_short,
+TVPM_PIN_LAYOUT(avionics_customize_size, sizeof(TVPMCustomizeAvionics_t) == TVPM_CUSTOMIZE_AVIONICS_SIZE);
+TVPM_PIN_LAYOUT(avionics_customize_short,
                   offsetof(TVPMCustomizeAvionics_t, bezelClickCallback) ==
                       TVPM_CUSTOMIZE_AVIONICS_SHORT_SIZE - sizeof(void*));
-TVPM_AVIONICS_PIN(customize_keyboard, offsetof(TVPMCustomizeAvionics_t, keyboardCallback) == 88);
-TVPM_AVIONICS_PIN(customize_refcon, offsetof(TVPMCustomizeAvionics_t, refcon) == 96);
-TVPM_AVIONICS_PIN(create_size, sizeof(struct TVPMCreateAvionics_t) == TVPM_CREATE_AVIONICS_SIZE);
-TVPM_AVIONICS_PIN(create_bezel, offsetof(struct TVPMCreateAvionics_t, bezelDrawCallback) == 32);
-TVPM_AVIONICS_PIN(create_brightness,
+TVPM_PIN_LAYOUT(avionics_customize_keyboard, offsetof(TVPMCustomizeAvionics_t, keyboardCallback) == 88);
+TVPM_PIN_LAYOUT(avionics_customize_refcon, offsetof(TVPMCustomizeAvionics_t, refcon) == 96);
+TVPM_PIN_LAYOUT(avionics_create_size, sizeof(struct TVPMCreateAvionics_t) == TVPM_CREATE_AVIONICS_SIZE);
+TVPM_PIN_LAYOUT(avionics_create_bezel, offsetof(struct TVPMCreateAvionics_t, bezelDrawCallback) == 32);
+TVPM_PIN_LAYOUT(avionics_create_brightness,
                   offsetof(struct TVPMCreateAvionics_t, brightnessCallback) == 120);
-TVPM_AVIONICS_PIN(create_device_id, offsetof(struct TVPMCreateAvionics_t, deviceID) == 128);
-TVPM_AVIONICS_PIN(create_refcon, offsetof(struct TVPMCreateAvionics_t, refcon) == 144);
-#undef TVPM_AVIONICS_PIN
+TVPM_PIN_LAYOUT(avionics_create_device_id, offsetof(struct TVPMCreateAvionics_t, deviceID) == 128);
+TVPM_PIN_LAYOUT(avionics_create_refcon, offsetof(struct TVPMCreateAvionics_t, refcon) == 144);
 
 #ifdef __cplusplus
 }

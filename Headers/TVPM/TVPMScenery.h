@@ -20,14 +20,6 @@
 extern "C" {
 #endif
 
-#ifndef TVPM_PIN_LAYOUT
-#ifdef __cplusplus
-#define TVPM_PIN_LAYOUT(tag, cond) static_assert(cond, #tag)
-#else
-#define TVPM_PIN_LAYOUT(tag, cond) typedef char tvpm_layout_##tag[(cond) ? 1 : -1]
-#endif
-#endif
-
 /* ---- Terrain probes ------------------------------------------------------ */
 
 /* A terrain probe [handle]: valid until TVPMDestroyProbe or until its plugin

@@ -138,7 +138,7 @@ TVPM_API TVPMFMODStudioSystem* TVPMGetFMODStudio(void);
 #endif
 
 /* The vector's layout is the engine's: checked when this header compiles. */
-typedef char TVPMFMODVectorSizeCheck[sizeof(TVPMFMODVector) == TVPM_FMOD_VECTOR_SIZE ? 1 : -1];
-typedef char TVPMFMODVectorLayoutCheck[offsetof(TVPMFMODVector, z) == 8 ? 1 : -1];
+TVPM_PIN_LAYOUT(fmod_vector_size, sizeof(TVPMFMODVector) == TVPM_FMOD_VECTOR_SIZE);
+TVPM_PIN_LAYOUT(fmod_vector_z, offsetof(TVPMFMODVector, z) == 8);
 
 #endif
