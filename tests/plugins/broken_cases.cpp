@@ -31,7 +31,6 @@ std::string s_case;
 volatile uintptr_t s_nullField = 16;
 volatile int s_sink = 0;
 volatile unsigned s_spins = 0;
-TVPMCommandRef s_command = nullptr;
 
 void Crash() { s_sink = *reinterpret_cast<volatile int*>(s_nullField); }
 float Loop(float, float, int, void*) { return -1; }
@@ -187,10 +186,7 @@ const Case kCases[] = {
          TVPMMenuID m = TVPMCreateMenu("Crashing", TVPMFindPluginsMenu(), 0, CrashingMenu, nullptr);
          TVPMAppendMenuItem(m, "Crash", nullptr, 0);
      }},
-    {"crash_command_handler", [] {
-         s_command = TVPMCreateCommand("test/crash", "Crash");
-         TVPMRegisterCommandHandler(s_command, CrashingHandler, 1, nullptr);
-     }},
+    {"crash_command_handler", [] { TVPMRegisterCommandHandler(TVPMCreateCommand("test/crash", "Crash"), CrashingHandler, 1, nullptr); }},
     {"crash_data_accessor", [] {
          TVPMRegisterDataAccessor("test/crash/item", tvpmType_Int, 0, CrashingRead, nullptr, nullptr, nullptr,
                                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
