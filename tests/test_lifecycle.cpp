@@ -19,8 +19,6 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-Lines JournalSince(size_t mark) { return Lines(Journal().begin() + static_cast<long>(mark), Journal().end()); }
-
 // Makes key run action whenever it receives message 7777.
 void OnPoke(const std::string& key, std::function<void()> action) {
     Script(key).message = [action](TVPMPluginID, int message, void*) {
@@ -49,7 +47,6 @@ TEST_F(Lifecycle, EnableAndDisableSemantics) {
     Script("beta.tvp").enable = [] { return 0; };
     ASSERT_EQ(host.Start(sim.Root()), 23);
     EXPECT_EQ(enabledInsideEnable, 1);
-    EXPECT_EQ(TVPMIsPluginEnabled(1), 1);
 
     // The host's record is always on and cannot be switched; bad IDs are refused.
     for (TVPMPluginID id : {0, -1, -7, 3, 99}) {
@@ -66,21 +63,21 @@ TEST_F(Lifecycle, EnableAndDisableSemantics) {
     EXPECT_EQ(JournalOf("beta.tvp:message").size(), 0u);
     EXPECT_EQ(JournalOf("alpha.tvp:message"), (Lines{"alpha.tvp:message 555 from 0"}));
 
-    const size_t mark = Journal().size();
+    Journal().clear();
     TVPMDisablePlugin(1);
     TVPMDisablePlugin(1);  // a no-op
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:disable"}));
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:disable"}));
     EXPECT_EQ(meInsideDisable, 1);
     EXPECT_EQ(enabledInsideDisable, 0);
     EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
     EXPECT_EQ(TVPMEnablePlugin(1), 1);
     EXPECT_EQ(TVPMEnablePlugin(1), 1);  // already on: TPluginEnable is not called again
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:disable", "alpha.tvp:enable"}));
-    EXPECT_EQ(TVPMGetMyID(), 0);
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:disable", "alpha.tvp:enable"}));
 
     // Shut-down disables what is on, then stops everything.
+    Journal().clear();
     host.Shutdown();
-    EXPECT_EQ(JournalSince(mark + 2), (Lines{"alpha.tvp:disable", "alpha.tvp:stop", "beta.tvp:stop"}));
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:disable", "alpha.tvp:stop", "beta.tvp:stop"}));
 }
 
 TEST_F(Lifecycle, PluginDisablesItselfFromItsOwnCallback) {
@@ -91,50 +88,14 @@ TEST_F(Lifecycle, PluginDisablesItselfFromItsOwnCallback) {
         meAfter = TVPMGetMyID();
     });
     ASSERT_EQ(host.Start(sim.Root()), 23);
-    const size_t mark = Journal().size();
+    Journal().clear();
     Poke("alpha.tvp");
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:message 7777 from 0", "alpha.tvp:disable"}));
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:message 7777 from 0", "alpha.tvp:disable"}));
     EXPECT_EQ(meAfter, 1);
-    EXPECT_EQ(TVPMGetMyID(), 0);
     TVPMSendMessageToPlugin(-1, 556, nullptr);
-    EXPECT_EQ(JournalSince(mark).back(), "beta.tvp:message 556 from 0");
+    EXPECT_EQ(Journal().back(), "beta.tvp:message 556 from 0");
     EXPECT_EQ(JournalOf("alpha.tvp:message 556").size(), 0u);
     EXPECT_EQ(TVPMEnablePlugin(1), 1);
-}
-
-TEST_F(Lifecycle, ReloadAskedInsideACallbackRunsOnceAtTheEndOfTheFlightLoopPass) {
-    AddScripted({"alpha.tvp"});
-    sim.AddFat("beta", "lin_x64", BuiltPlugin("scripted.tvp"));
-    OnPoke("alpha.tvp", [] {
-        TVPMReloadPlugins();
-        TVPMReloadPlugins();
-    });
-    ASSERT_EQ(host.Start(sim.Root()), 23);
-    size_t mark = Journal().size();
-    Poke("alpha.tvp");
-    Poke("alpha.tvp");
-    // Nothing happened inside the callbacks.
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:message 7777 from 0", "alpha.tvp:message 7777 from 0"}));
-    EXPECT_EQ(host.Count("TVPMDisplayModalAlert_f"), 0u);
-
-    host.ClearCalls();
-    host.RunFrame();
-    EXPECT_EQ(JournalSince(mark + 2), (Lines{"alpha.tvp:disable", "beta:disable", "alpha.tvp:stop", "beta:stop",
-                                             "alpha.tvp:start", "beta:start", "alpha.tvp:enable", "beta:enable"}));
-    const auto alerts = host.CallsTo("TVPMDisplayModalAlert_f");
-    ASSERT_EQ(alerts.size(), 1u);
-    EXPECT_EQ(alerts[0].args, (Lines{"\"Please place your new plugin in the plugins folder.\"",
-                                     "\"I will then reload all plugins.\"", "\"\"", "\"\""}));
-    EXPECT_EQ(host.Count("TVPMGetSystemPath_f"), 1u);
-    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()) + Loaded(sim.PluginsDir() + "/alpha.tvp", "test.alpha.tvp") +
-                              Loaded(sim.PluginsDir() + "/beta/lin_x64/beta.tvp", "test.beta"));
-    EXPECT_EQ(TVPMCountPlugins(), 3);
-    EXPECT_EQ(TVPMIsPluginEnabled(2), 1);
-
-    mark = Journal().size();
-    host.RunFrame();
-    EXPECT_EQ(JournalSince(mark), Lines{});
-    EXPECT_EQ(host.Count("TVPMDisplayModalAlert_f"), 1u);
 }
 
 TEST_F(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
@@ -147,25 +108,24 @@ TEST_F(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
     EXPECT_EQ(TVPMCountPlugins(), 2);  // aircraft plugins wait for the aircraft
 
     // Another aircraft than the user's: only the message.
-    size_t mark = Journal().size();
+    Journal().clear();
     EXPECT_EQ(TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 2, 0), 1);
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:message 102 from 0"}));
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:message 102 from 0"}));
 
     host.ClearCalls();
-    mark = Journal().size();
+    Journal().clear();
     EXPECT_EQ(TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0), 1);
-    EXPECT_EQ(JournalSince(mark),
+    EXPECT_EQ(Journal(),
               (Lines{"alpha.tvp:message 102 from 0", "fms:start", "wx:start", "fms:enable", "wx:enable"}));
     const std::string fmsPath = acfPlugins + "/fms/lin_x64/fms.tvp";
     EXPECT_EQ(host.Log(), Fetching(acfPlugins) + Loaded(fmsPath, "test.fms") +
                               Loaded(acfPlugins + "/wx/lin_x64/wx.tvp", "test.wx"));
-    EXPECT_EQ(IdOf("wx"), 3);
     EXPECT_TRUE(IsMapped(fmsPath));
 
     // Aircraft plugins hear about the unload before they are switched off.
-    mark = Journal().size();
+    Journal().clear();
     EXPECT_EQ(TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0), 1);
-    EXPECT_EQ(JournalSince(mark), (Lines{"alpha.tvp:message 106 from 0", "fms:message 106 from 0",
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:message 106 from 0", "fms:message 106 from 0",
                                          "wx:message 106 from 0", "fms:disable", "wx:disable", "fms:stop", "wx:stop"}));
     EXPECT_EQ(TVPMCountPlugins(), 2);
     EXPECT_FALSE(IsMapped(fmsPath));
@@ -178,24 +138,45 @@ TEST_F(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
     EXPECT_FALSE(IsMapped(fmsPath));
 }
 
-TEST_F(Lifecycle, ReloadsRestartTheAircraftPluginsAloneOrWithAllOthers) {
+// An aircraft reload runs at once; a full reload, even asked twice from inside
+// a callback, runs once at the end of the next flight-loop pass.
+TEST_F(Lifecycle, ReloadsRestartTheAircraftPluginsAtOnceOrAllPluginsAfterTheFrame) {
     AddScripted({"alpha.tvp"});
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms", "wx"}, BuiltPlugin("scripted.tvp"));
+    OnPoke("alpha.tvp", [] {
+        TVPMReloadPlugins();
+        TVPMReloadPlugins();
+    });
     ASSERT_EQ(host.Start(sim.Root()), 23);
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    size_t mark = Journal().size();
+    Journal().clear();
     TVPMReloadACFPlugins();
-    EXPECT_EQ(JournalSince(mark), (Lines{"fms:disable", "wx:disable", "fms:stop", "wx:stop", "fms:start",
-                                         "wx:start", "fms:enable", "wx:enable"}));
-    EXPECT_EQ(TVPMCountPlugins(), 4);
+    EXPECT_EQ(Journal(), (Lines{"fms:disable", "wx:disable", "fms:stop", "wx:stop", "fms:start", "wx:start",
+                                "fms:enable", "wx:enable"}));
     EXPECT_EQ(IdOf("fms"), 2);
 
-    mark = Journal().size();
-    TVPMReloadPlugins();
+    Journal().clear();
+    Poke("alpha.tvp");
+    Poke("alpha.tvp");
+    EXPECT_EQ(Journal(), (Lines{"alpha.tvp:message 7777 from 0", "alpha.tvp:message 7777 from 0"}));
+    host.ClearCalls();
+    Journal().clear();
     host.RunFrame();
-    EXPECT_EQ(JournalSince(mark),
+    EXPECT_EQ(Journal(),
               (Lines{"alpha.tvp:disable", "fms:disable", "wx:disable", "fms:stop", "wx:stop", "alpha.tvp:stop",
                      "alpha.tvp:start", "fms:start", "wx:start", "alpha.tvp:enable", "fms:enable", "wx:enable"}));
+    const auto alerts = host.CallsTo("TVPMDisplayModalAlert_f");
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].args, (Lines{"\"Please place your new plugin in the plugins folder.\"",
+                                     "\"I will then reload all plugins.\"", "\"\"", "\"\""}));
+    const std::string acfPlugins = sim.Root() + "Aircraft/Jet/plugins";
+    EXPECT_EQ(host.Log(), Fetching(sim.PluginsDir()) + Loaded(sim.PluginsDir() + "/alpha.tvp", "test.alpha.tvp") +
+                              Fetching(acfPlugins) + Loaded(acfPlugins + "/fms/lin_x64/fms.tvp", "test.fms") +
+                              Loaded(acfPlugins + "/wx/lin_x64/wx.tvp", "test.wx"));
+    Journal().clear();
+    host.RunFrame();
+    EXPECT_EQ(Journal(), Lines{});
+    EXPECT_EQ(host.Count("TVPMDisplayModalAlert_f"), 1u);
 
     // Still known as aircraft plugins; with no aircraft folder a reload only unloads them.
     host.userAircraftPath = "Jet.acf";
@@ -208,53 +189,24 @@ TEST_F(Lifecycle, ReloadsRestartTheAircraftPluginsAloneOrWithAllOthers) {
     EXPECT_EQ(host.Log(), "");
 }
 
-// The aircraft stays (it comes back) or has gone (nothing comes back); either
-// way the plugin's code stays mapped until its callback has returned.
-TEST_F(Lifecycle, AircraftPluginReloadsTheAircraftPluginsFromItsOwnCallback) {
-    const std::string acf = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
-    static std::string fmsPath;
-    fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
-    static bool aircraftLeaves = false, mappedAfterReload = false;
-    static TVPMPluginID meAfter = -9;
-    OnPoke("fms", [] {
-        if (aircraftLeaves) FakeHost::Current().userAircraftPath = "";
-        TVPMReloadACFPlugins();
-        meAfter = TVPMGetMyID();
-        mappedAfterReload = IsMapped(fmsPath);
-    });
-    for (bool leaves : {false, true}) {
-        SCOPED_TRACE(leaves ? "aircraft gone" : "aircraft stays");
-        aircraftLeaves = leaves;
-        host.userAircraftPath = acf;
-        ASSERT_EQ(host.Start(sim.Root()), 23);
-        TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-        const size_t mark = Journal().size();
-        Poke("fms");
-        Lines expected = {"fms:message 7777 from 0", "fms:disable", "fms:stop"};
-        if (!leaves) expected.insert(expected.end(), {"fms:start", "fms:enable"});
-        EXPECT_EQ(JournalSince(mark), expected);
-        // Loading leaves the simulator current until the callback returns.
-        EXPECT_EQ(meAfter, leaves ? 1 : 0);
-        EXPECT_TRUE(mappedAfterReload);
-        EXPECT_EQ(TVPMCountPlugins(), leaves ? 1 : 2);
-        host.RunFrame();
-        TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
-        host.RunFrame();
-        EXPECT_FALSE(IsMapped(fmsPath));
-        host.Shutdown();
-    }
-}
-
-TEST_F(Lifecycle, APluginThatReloadsTheAircraftPluginsFindsTheSimulatorCurrentAfterwards) {
+// Whoever asks, and however the reload ends, the simulator is current
+// afterwards until the asking callback returns.
+TEST_F(Lifecycle, PluginsReloadTheAircraftPluginsFromTheirOwnCallbacks) {
     AddScripted({"alpha.tvp"});
     host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
+    const std::string fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
     static std::vector<TVPMPluginID> seen;
-    OnPoke("alpha.tvp", [] {
-        TVPMReloadACFPlugins();
-        seen.push_back(TVPMGetMyID());
-    });
+    for (const char* key : {"alpha.tvp", "fms"})
+        OnPoke(key, [] {
+            TVPMReloadACFPlugins();
+            seen.push_back(TVPMGetMyID());
+        });
     ASSERT_EQ(host.Start(sim.Root()), 23);
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    Journal().clear();
+    Poke("fms");  // returns into the plugin's code after it was unloaded: it must still be there
+    EXPECT_EQ(Journal(), (Lines{"fms:message 7777 from 0", "fms:disable", "fms:stop", "fms:start", "fms:enable"}));
+    EXPECT_EQ(TVPMIsPluginEnabled(IdOf("fms")), 1);
     Poke("alpha.tvp");  // the aircraft plugin starts again
     Script("fms").start = [](char*, char*, char*) { return 0; };
     Poke("alpha.tvp");  // it refuses to start
@@ -263,9 +215,11 @@ TEST_F(Lifecycle, APluginThatReloadsTheAircraftPluginsFindsTheSimulatorCurrentAf
         return 1;
     };
     Poke("alpha.tvp");  // it is refused as a second copy of alpha
-    EXPECT_EQ(seen, (std::vector<TVPMPluginID>{0, 0, 0}));
+    EXPECT_EQ(seen, (std::vector<TVPMPluginID>{0, 0, 0, 0}));
     EXPECT_EQ(TVPMCountPlugins(), 2);
     EXPECT_EQ(TVPMGetMyID(), 0);
+    host.RunFrame();
+    EXPECT_FALSE(IsMapped(fmsPath));
 }
 
 TEST_F(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
@@ -285,37 +239,6 @@ TEST_F(Lifecycle, AircraftReloadFromInsideTPluginStartIsRefused) {
                               Loaded(acfPlugins + "/fms/lin_x64/fms.tvp", "test.fms"));
 }
 
-TEST_F(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirRecordsButStayOff) {
-    host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
-    const std::string pack = sim.AddSceneryPack("City", {"lights"}, BuiltPlugin("scripted.tvp"));
-    ASSERT_EQ(host.Start(sim.Root()), 23);
-    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0);
-    ASSERT_EQ(IdOf("lights"), 2);
-
-    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
-    EXPECT_EQ(TVPMCountPlugins(), 3);  // the scenery plugin sits above it: no trimming
-    EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
-    EXPECT_EQ(TVPMEnablePlugin(1), 0);  // its library is gone
-    const size_t mark = Journal().size();
-    TVPMSendMessageToPlugin(-1, 600, nullptr);
-    EXPECT_EQ(JournalSince(mark), (Lines{"lights:message 600 from 0"}));
-
-    // Its record still carries its path and signature: loading the aircraft
-    // again finds the plugin already there, and the new copy is refused.
-    const std::string fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
-    EXPECT_EQ(TVPMFindPluginBySignature("test.fms"), 1);
-    EXPECT_EQ(TVPMFindPluginByPath(fmsPath.c_str()), 1);
-    host.ClearCalls();
-    const size_t again = Journal().size();
-    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    EXPECT_EQ(JournalSince(again), (Lines{"lights:message 102 from 0", "fms:start", "fms:stop"}));
-    EXPECT_EQ(host.Log(), Fetching(sim.Root() + "Aircraft/Jet/plugins") + "Warning: " + fmsPath +
-                              " Signature: test.fms. (A version of this plugin is already loaded.)\n");
-    EXPECT_EQ(TVPMCountPlugins(), 3);
-    EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
-}
-
 TEST_F(Lifecycle, SceneryPackPluginsAreAllLoadedThenThoseStartedAreEnabled) {
     AddScripted({"alpha.tvp"});
     const std::string pack = sim.AddSceneryPack("City", {"trams", "lights", "b"}, BuiltPlugin("scripted.tvp"));
@@ -323,9 +246,9 @@ TEST_F(Lifecycle, SceneryPackPluginsAreAllLoadedThenThoseStartedAreEnabled) {
     Script("lights").start = [](char*, char*, char*) { return 0; };
     ASSERT_EQ(host.Start(sim.Root()), 23);
     host.ClearCalls();
-    const size_t mark = Journal().size();
+    Journal().clear();
     EXPECT_EQ(TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0), 1);
-    EXPECT_EQ(JournalSince(mark), (Lines{"b:start", "lights:start", "trams:start", "b:enable", "trams:enable"}));
+    EXPECT_EQ(Journal(), (Lines{"b:start", "lights:start", "trams:start", "b:enable", "trams:enable"}));
     const std::string dir = pack + "plugins";
     EXPECT_EQ(host.Log(), Fetching(dir) + Loaded(dir + "/b/lin_x64/b.tvp", "test.b") + "Failed: " + dir +
                               "/lights/lin_x64/lights.tvp. (The plugin refused to start by returning 0 "
@@ -333,8 +256,35 @@ TEST_F(Lifecycle, SceneryPackPluginsAreAllLoadedThenThoseStartedAreEnabled) {
                               Loaded(dir + "/trams/lin_x64/trams.tvp", "test.trams"));
     EXPECT_EQ(TVPMFindPluginBySignature("test.trams"), 3);
     EXPECT_FALSE(IsMapped(dir + "/lights/lin_x64/lights.tvp"));
-
     // No folder at all: nothing happens.
     EXPECT_EQ(TVPMEventHook(tvpm_RegisterScenery, 0, 0, 0, 0), 1);
     EXPECT_EQ(TVPMCountPlugins(), 4);
+}
+
+TEST_F(Lifecycle, UnloadedAircraftPluginsBelowAnotherPluginKeepTheirRecordsButStayOff) {
+    host.userAircraftPath = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
+    const std::string pack = sim.AddSceneryPack("City", {"lights"}, BuiltPlugin("scripted.tvp"));
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    TVPMEventHook(tvpm_RegisterScenery, 0, 0, reinterpret_cast<intptr_t>(pack.c_str()), 0);
+    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
+    EXPECT_EQ(TVPMCountPlugins(), 3);  // the scenery plugin sits above it: no trimming
+    EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
+    EXPECT_EQ(TVPMEnablePlugin(1), 0);  // its library is gone
+    Journal().clear();
+    TVPMSendMessageToPlugin(-1, 600, nullptr);
+    EXPECT_EQ(Journal(), (Lines{"lights:message 600 from 0"}));
+
+    // Its record still carries its path and signature: loading the aircraft
+    // again finds the plugin already there, and the new copy is refused.
+    const std::string fmsPath = sim.Root() + "Aircraft/Jet/plugins/fms/lin_x64/fms.tvp";
+    EXPECT_EQ(TVPMFindPluginBySignature("test.fms"), 1);
+    EXPECT_EQ(TVPMFindPluginByPath(fmsPath.c_str()), 1);
+    host.ClearCalls();
+    Journal().clear();
+    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    EXPECT_EQ(Journal(), (Lines{"lights:message 102 from 0", "fms:start", "fms:stop"}));
+    EXPECT_EQ(host.Log(), Fetching(sim.Root() + "Aircraft/Jet/plugins") + "Warning: " + fmsPath +
+                              " Signature: test.fms. (A version of this plugin is already loaded.)\n");
+    EXPECT_EQ(TVPMIsPluginEnabled(1), 0);
 }
