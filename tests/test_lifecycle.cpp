@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "FakeHost.h"
-#include "Harness.h"
 #include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"

@@ -1,8 +1,6 @@
 // test_startup.cpp: the host table is accepted or refused, and start-up runs in its fixed order.
 #include <gtest/gtest.h>
 
-#include "FakeHost.h"
-#include "Harness.h"
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
