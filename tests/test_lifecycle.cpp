@@ -8,7 +8,6 @@
 #include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
-#include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
 using Lifecycle = SimTest;
@@ -132,8 +131,6 @@ TEST_F(Lifecycle, AircraftPluginsComeAndGoWithTheUserAircraft) {
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
     TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 1, 0);
     EXPECT_EQ(TVPMCountPlugins(), 4);
-    host.Shutdown();
-    EXPECT_FALSE(IsMapped(fmsPath));
 }
 
 // An aircraft reload runs at once; a full reload, even asked twice from inside
@@ -204,7 +201,6 @@ TEST_F(Lifecycle, PluginsReloadTheAircraftPluginsFromTheirOwnCallbacks) {
     Journal().clear();
     Poke("fms");  // returns into the plugin's code after it was unloaded: it must still be there
     EXPECT_EQ(Journal(), (Lines{"fms:message 7777 from 0", "fms:disable", "fms:stop", "fms:start", "fms:enable"}));
-    EXPECT_EQ(TVPMIsPluginEnabled(IdOf("fms")), 1);
     Poke("alpha.tvp");  // the aircraft plugin starts again
     Script("fms").start = [](char*, char*, char*) { return 0; };
     Poke("alpha.tvp");  // it refuses to start
@@ -215,7 +211,6 @@ TEST_F(Lifecycle, PluginsReloadTheAircraftPluginsFromTheirOwnCallbacks) {
     Poke("alpha.tvp");  // it is refused as a second copy of alpha
     EXPECT_EQ(seen, (std::vector<TVPMPluginID>{0, 0, 0, 0}));
     EXPECT_EQ(TVPMCountPlugins(), 2);
-    EXPECT_EQ(TVPMGetMyID(), 0);
     host.RunFrame();
     EXPECT_FALSE(IsMapped(fmsPath));
 }

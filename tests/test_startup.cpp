@@ -3,7 +3,6 @@
 
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
-#include "TVPM/TVPMUtilities.h"
 
 using namespace tvpmtest;
 using Startup = SimTest;

@@ -20,7 +20,6 @@ static_assert(offsetof(TVPMHooks, version) == 0 && offsetof(TVPMHooks, structSiz
 static_assert(offsetof(TVPMHooks, TVPMHostReady_f) == SlotOffset(1));
 static_assert(offsetof(TVPMHooks, TVPMDebugString_f) == SlotOffset(64));
 static_assert(offsetof(TVPMHooks, TVPMShouldLoadPlugin_f) == SlotOffset(68));
-static_assert(offsetof(TVPMHooks, TVPMCreateMapLayer_f) == SlotOffset(94));
 static_assert(offsetof(TVPMHooks, TVPMGetFMODSystem_f) == SlotOffset(154));
 static_assert(offsetof(TVPMHooks, TVPMEndWeatherUpdate_f) == SlotOffset(164));
 static_assert(TVPM_HOOKS_VERSION == 25 && TVPM_HOOKS_SIZE == 1320 && TVPM_INTERFACE_VERSION == 421);

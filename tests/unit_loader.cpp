@@ -8,8 +8,6 @@
 
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMUtilities.h"
-#include "TVPMDLLUtils.h"
-#include "TVPMLoader.h"
 #include "TVPMLoaderLifecycle.h"
 #include "TVPMPrivate.h"
 #include "TVPMUnitHooks.h"
@@ -68,12 +66,21 @@ struct Transition {
     Steps expected;
 };
 
-class Loader : public ::testing::TestWithParam<Transition> {
+class Loader : public ::testing::Test {
 protected:
     void SetUp() override {
         gHooks = &hooks;
         gPluginThread = pthread_self();
-        gAllPlugins.emplace_back().name = "Torvane";  // the simulator's own record
+        FreshTable();
+    }
+    void TearDown() override {
+        ReleaseDeliveries();
+        EXPECT_EQ(s_liveDeliveries, 0);
+    }
+    // The simulator's own record, then Alpha, disabled.
+    void FreshTable() {
+        gAllPlugins.clear();
+        gAllPlugins.emplace_back().name = "Torvane";
         gAllPlugins[0].enabled = true;
         PluginRecord& p = gAllPlugins.emplace_back();
         p.dllRef = dlopen(nullptr, RTLD_NOW);  // any open library stands in for the plugin's
@@ -84,13 +91,12 @@ protected:
         p.exitFunc = PluginStop;
         p.errorFunc = PluginError;
     }
-    void TearDown() override {
+    void ReleaseDeliveries() {
         for (TVPMDeliveryHead* q : {&orphaned, &gAllPlugins[1].pending, &gAllPlugins[1].outstanding})
             while (TVPMDelivery* d = q->first()) {
                 d->Unlink();
                 d->DeliverToPlugin(true);
             }
-        EXPECT_EQ(s_liveDeliveries, 0);
     }
 
     TVPMHooks hooks{};
@@ -161,14 +167,17 @@ const Transition kTransitions[] = {
 
 }  // namespace
 
-TEST_P(Loader, TellsEveryUnitInTheFixedOrder) {
-    s_steps.clear();
-    GetParam().act();
-    EXPECT_EQ(s_steps, GetParam().expected);
-    EXPECT_EQ(TVPMGetMyID(), 0);
+TEST_F(Loader, TellsEveryUnitOfEachTransitionInTheFixedOrder) {
+    for (const Transition& t : kTransitions) {
+        SCOPED_TRACE(t.name);
+        ReleaseDeliveries();
+        FreshTable();
+        s_steps.clear();
+        t.act();
+        EXPECT_EQ(s_steps, t.expected);
+        EXPECT_EQ(TVPMGetMyID(), 0);
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Transitions, Loader, ::testing::ValuesIn(kTransitions),
-                         [](const ::testing::TestParamInfo<Transition>& info) { return info.param.name; });
 
 TEST_F(Loader, WorkForABadUnloadedOrUnknownPluginIsReportedOrReleased) {
     // Queueing for a bad ID is reported to the current plugin, if it listens.
