@@ -20,35 +20,23 @@ std::string Label(void* refcon) { return refcon ? static_cast<const char*>(refco
 void Note(void* refcon, const std::string& what) { g_events.push_back(Label(refcon) + ":" + what); }
 std::string At(int s, int x, int y) { return std::to_string(s) + "@" + std::to_string(x) + "," + std::to_string(y); }
 
-int LeftClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* refcon) {
-    Note(refcon, "L" + At(s, x, y));
-    return g_consume;
+int LeftClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "L" + At(s, x, y)), g_consume; }
+int RightClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "R" + At(s, x, y)), g_consume; }
+int Refuse(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "refused" + At(s, x, y)), 0; }
+// Mouse handlers that change the windows while they run.
+int DestroySelfAndConsume(TVPMWindowID self, int, int, TVPMMouseStatus s, void* r) {
+    return Note(r, "destroy" + std::to_string(s)), TVPMDestroyWindow(self), 1;
 }
-int RightClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* refcon) {
-    Note(refcon, "R" + At(s, x, y));
-    return g_consume;
-}
-int Refuse(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* refcon) {
-    Note(refcon, "refused" + At(s, x, y));
-    return 0;
-}
-int DestroySelfAndConsume(TVPMWindowID self, int, int, TVPMMouseStatus s, void* refcon) {
-    Note(refcon, "destroy" + std::to_string(s));
-    TVPMDestroyWindow(self);
-    return 1;
-}
-int DestroySelfOnDrag(TVPMWindowID self, int, int, TVPMMouseStatus s, void* refcon) {
-    Note(refcon, "handler" + std::to_string(s));
+int DestroySelfOnDrag(TVPMWindowID self, int, int, TVPMMouseStatus s, void* r) {
+    Note(r, "handler" + std::to_string(s));
     if (s == tvpm_MouseDrag) TVPMDestroyWindow(self);
     return 1;
 }
-int RaiseBackMostAndRefuse(TVPMWindowID, int, int, TVPMMouseStatus, void* refcon) {
-    Note(refcon, "raise");
-    TVPMBringWindowToFront(g_windows[0]);
-    return 0;
+int RaiseBackMostAndRefuse(TVPMWindowID, int, int, TVPMMouseStatus, void* r) {
+    return Note(r, "raise"), TVPMBringWindowToFront(g_windows[0]), 0;
 }
-int DisableOwnPluginOnUp(TVPMWindowID, int, int, TVPMMouseStatus s, void* refcon) {
-    Note(refcon, "handler" + std::to_string(s));
+int DisableOwnPluginOnUp(TVPMWindowID, int, int, TVPMMouseStatus s, void* r) {
+    Note(r, "handler" + std::to_string(s));
     if (s == tvpm_MouseUp) TVPMDisablePlugin(TVPMGetMyID());
     return 1;
 }
@@ -56,8 +44,24 @@ int TakeFocusOnMouseUp(TVPMWindowID self, int, int, TVPMMouseStatus s, void*) {
     if (s == tvpm_MouseUp) TVPMTakeKeyboardFocus(self);
     return 1;
 }
-void Key(TVPMWindowID, char key, TVPMKeyFlags, char, void* refcon, int losing) {
-    Note(refcon, "key" + std::to_string(key) + (losing ? ":losing" : ""));
+void Key(TVPMWindowID, char key, TVPMKeyFlags, char, void* r, int losing) { Note(r, "key" + std::to_string(key) + (losing ? ":losing" : "")); }
+TVPMCursorStatus Cursor(TVPMWindowID, int, int, void* r) { return Note(r, "cursor"), Label(r) == "text" ? tvpm_CursorText : tvpm_CursorDefault; }
+int Wheel(TVPMWindowID, int x, int y, int wheel, int clicks, void* r) { return Note(r, "wheel" + At(wheel, x, y) + "," + std::to_string(clicks)), g_consume; }
+int g_snifferAnswer = 1;
+int Sniff(char key, TVPMKeyFlags flags, char vkey, void* r) {
+    return Note(r, "sniff" + std::to_string(key) + "," + std::to_string(flags) + "," + std::to_string(vkey)), g_snifferAnswer;
+}
+void HotKey(void* r) { Note(r, "hotkey"); }
+const char kVictim[] = "victim";
+const char* const kKillers[] = {"k0", "k1"};  // by the timing of the victim they unregister
+int UnregisterVictim(char, TVPMKeyFlags, char, void* r) {
+    return Note(r, "killer"), TVPMUnregisterKeySniffer(Sniff, r == kKillers[1] ? 1 : 0, (void*)kVictim), 1;
+}
+TVPMHotKeyID g_selfKey = nullptr;
+void UnregisterOwnHotKey(void* r) {
+    Note(r, "self");
+    TVPMUnregisterHotKey(g_selfKey);
+    TVPMRegisterHotKey(TVPM_VK_F7, 0, "again", HotKey, (void*)"again");
 }
 
 struct WindowSpec {
@@ -73,16 +77,8 @@ struct WindowSpec {
 };
 
 TVPMWindowID MakeWindow(DisplayRig& rig, const WindowSpec& s) {
-    TVPMCreateWindow_t p{};
-    p.structSize = s.structSize;
-    p.left = s.l, p.top = s.t, p.right = s.r, p.bottom = s.b;
-    p.visible = s.visible;
-    p.handleMouseClickFunc = s.left;
-    p.handleRightClickFunc = s.right;
-    p.handleKeyFunc = Key;
-    p.handleCursorFunc = s.cursor;
-    p.handleMouseWheelFunc = s.wheel;
-    p.refcon = (void*)s.label;
+    TVPMCreateWindow_t p{s.structSize, s.l, s.t, s.r, s.b, s.visible, nullptr, s.left, Key, s.cursor, s.wheel, (void*)s.label,
+                         0, 0, s.right};
     TVPMWindowID id = nullptr;
     rig.As(s.plugin, [&] { id = TVPMCreateWindowEx(&p); });
     g_windows.push_back(id);
@@ -114,7 +110,7 @@ protected:
 
 // One step of a mouse scenario: what the simulator (or a plugin) does, and,
 // for a mouse event, its answer (1: not consumed).
-enum Op { kDown, kUp, kFrame, kDisable, kEnable, kDestroy, kFocusKey };
+enum Op { kDown, kUp, kFrame, kDisable, kEnable, kFocusKey };
 enum Surface { kMain, kOwn, kOther };  // which surface the event comes from
 struct Step {
     Op op;
@@ -130,20 +126,16 @@ struct MouseCase {
 };
 
 const MouseCase kMouseCases[] = {
-    {"ClickFallsThroughARefusingWindowAndTheTakerHoldsTheMouseUntilUp",
-     {{"back"}, {"front", Refuse, RightClick, "beta.tvp", 50, 150, 150, 50}},
-     {{kFrame, 9, 9}, {kDown, 60, 60, 0, kMain, 0}, {kFrame, 500, 500}, {kFrame, 500, 500},
+    {"ClickFallsThroughARefusingWindowAndTheTakerHoldsTheMouseWithTheButtonOfEachEvent",
+     {{"back"}, {"front", Refuse, Refuse, "beta.tvp", 50, 150, 150, 50}},
+     {{kFrame, 9, 9}, {kDown, 60, 60, 1, kMain, 0}, {kFrame, 500, 500}, {kFrame, 500, 500},
       {kUp, 120, 120, 0, kMain, 0}, {kFrame, 60, 60}, {kUp, 60, 60, 0, kMain, 1}},
-     {"front:refused1@60,60", "back:L1@60,60", "back:L2@500,500", "back:L2@500,500", "back:L3@120,120"}},
+     {"front:refused1@60,60", "back:R1@60,60", "back:R2@500,500", "back:R2@500,500", "back:L3@120,120"}},
     {"LeftAndBottomEdgesAreInsideRightAndTopEdgesOutside",
      {{"w", Refuse, Refuse, "alpha.tvp", 10, 20, 30, 5}},
      {{kDown, 10, 5, 0, kMain, 1}, {kDown, 29, 19, 0, kMain, 1}, {kDown, 30, 10, 0, kMain, 1},
       {kDown, 15, 20, 0, kMain, 1}, {kDown, 9, 10, 0, kMain, 1}, {kDown, 15, 4, 0, kMain, 1}},
      {"w:refused1@10,5", "w:refused1@29,19"}},
-    {"TheButtonOfEachEventChoosesTheHandler",
-     {{"w"}},
-     {{kDown, 1, 1, 1, kMain, 0}, {kFrame, 2, 2}, {kUp, 3, 3, 0, kMain, 0}},
-     {"w:R1@1,1", "w:R2@2,2", "w:L3@3,3"}},
     {"MissingHandlersHiddenWindowsAndDisabledPluginsTakeNoClicks",
      {{"hidden", LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, 72, 0},
       {"left-only", LeftClick, nullptr}, {"disabled", LeftClick, RightClick, "beta.tvp"}},
@@ -159,10 +151,6 @@ const MouseCase kMouseCases[] = {
      {{"gui", LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, TVPM_CREATE_WINDOW_SIZE_GUI}},
      {{kDown, 1, 1, 1, kOwn, 0}, {kDisable}, {kEnable}, {kFrame, 5, 5, 0, kOwn}, {kUp, 5, 5, 1, kOwn, 1}},
      {"gui:R1@1,1"}},
-    {"DestroyingTheCapturingWindowSendsTheMouseUpToTheSimulator",
-     {{"w"}},
-     {{kDown, 1, 1, 0, kMain, 0}, {kDestroy}, {kUp, 1, 1, 0, kMain, 1}},
-     {"w:L1@1,1"}},
     {"HandlerDestroyingItsOwnWindowConsumesWithoutCapture",
      {{"back"}, {"self", DestroySelfAndConsume}},
      {{kDown, 1, 1, 0, kMain, 0}, {kFrame, 1, 1}, {kDown, 1, 1, 0, kMain, 0}},
@@ -205,7 +193,6 @@ TEST_P(MouseRouting, DeliversTheEventsAndAnswers) {
             case kFrame: TVPMDoDrawingHook(21, 0, surface); break;
             case kDisable: TVPMDisablePlugin(rig.Id(owner)); break;
             case kEnable: TVPMEnablePlugin(rig.Id(owner)); break;
-            case kDestroy: rig.As(owner, [&] { TVPMDestroyWindow(own); }); break;
             case kFocusKey: rig.As(owner, [&] { TVPMTakeKeyboardFocus(own); }); break;
         }
     }
@@ -217,17 +204,6 @@ INSTANTIATE_TEST_SUITE_P(Display, MouseRouting, ::testing::ValuesIn(kMouseCases)
                          [](const ::testing::TestParamInfo<MouseCase>& info) { return info.param.name; });
 
 // ---- Cursor and wheel ----------------------------------------------------------------------
-
-namespace {
-TVPMCursorStatus Cursor(TVPMWindowID, int, int, void* refcon) {
-    Note(refcon, "cursor");
-    return Label(refcon) == "text" ? tvpm_CursorText : tvpm_CursorDefault;
-}
-int Wheel(TVPMWindowID, int x, int y, int wheel, int clicks, void* refcon) {
-    Note(refcon, "wheel" + At(wheel, x, y) + "," + std::to_string(clicks));
-    return g_consume;
-}
-}  // namespace
 
 TEST_F(InputTest, CursorAndWheelGoToTheFirstWindowThatCares) {
     for (const char* label : {"far", "text", "front"}) Make({label, LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, 72, 1, Cursor, Wheel});
@@ -242,22 +218,6 @@ TEST_F(InputTest, CursorAndWheelGoToTheFirstWindowThatCares) {
 }
 
 // ---- Keys ---------------------------------------------------------------------------------
-
-namespace {
-int g_snifferAnswer = 1;
-int Sniff(char key, TVPMKeyFlags flags, char vkey, void* refcon) {
-    Note(refcon, "sniff" + std::to_string(key) + "," + std::to_string(flags) + "," + std::to_string(vkey));
-    return g_snifferAnswer;
-}
-void HotKey(void* refcon) { Note(refcon, "hotkey"); }
-const char kVictim[] = "victim";
-const char* const kKillers[] = {"k0", "k1"};  // by the timing of the victim they unregister
-int UnregisterVictim(char, TVPMKeyFlags, char, void* refcon) {
-    Note(refcon, "killer");
-    TVPMUnregisterKeySniffer(Sniff, refcon == kKillers[1] ? 1 : 0, (void*)kVictim);
-    return 1;
-}
-}  // namespace
 
 TEST_F(InputTest, KeysGoToBeforeSniffersHotKeysFocusWindowAndAfterSniffersInTurn) {
     TVPMWindowID w = Make({"win"});
@@ -332,26 +292,16 @@ TEST_F(InputTest, SniffersUnregisteredDuringTheWalkAreAskedAfterWindowsOnly) {
 
 // ---- Hot keys -----------------------------------------------------------------------------
 
-namespace {
-TVPMHotKeyID g_selfKey = nullptr;
-void UnregisterOwnHotKey(void* refcon) {
-    Note(refcon, "self");
-    TVPMUnregisterHotKey(g_selfKey);
-    TVPMRegisterHotKey(TVPM_VK_F7, 0, "again", HotKey, (void*)"again");
-}
-}  // namespace
-
 TEST_F(InputTest, NewestMatchingHotKeyFiresAndAnyPluginMayListAndRebindIt) {
     TVPMHotKeyID older = nullptr, newer = nullptr;
+    const std::string description(600, 'd');
     rig.As("alpha.tvp", [&] {
-        older = TVPMRegisterHotKey(TVPM_VK_F5, tvpm_ControlFlag, "alpha's", HotKey, (void*)"alpha");
+        older = TVPMRegisterHotKey(TVPM_VK_F5, tvpm_ControlFlag, description.c_str(), HotKey, (void*)"alpha");
         g_selfKey = TVPMRegisterHotKey(TVPM_VK_F7, 0, "once", UnregisterOwnHotKey, (void*)"f7");
     });
     rig.As("beta.tvp", [&] { newer = TVPMRegisterHotKey(TVPM_VK_F5, tvpm_ControlFlag, "b", HotKey, (void*)"beta"); });
-    EXPECT_EQ(TVPMGetNthHotKey(0), newer);
-    EXPECT_EQ(TVPMGetNthHotKey(2), older);
-    EXPECT_EQ(TVPMGetNthHotKey(3), nullptr);
-    EXPECT_EQ(TVPMGetNthHotKey(-1), nullptr);
+    EXPECT_EQ((std::vector<TVPMHotKeyID>{TVPMGetNthHotKey(-1), TVPMGetNthHotKey(0), TVPMGetNthHotKey(2), TVPMGetNthHotKey(3)}),
+              (std::vector<TVPMHotKeyID>{nullptr, newer, older, nullptr}));
     EXPECT_EQ(PressKey(0, tvpm_ControlFlag, TVPM_VK_F5), 0);
     EXPECT_EQ(PressKey(0, tvpm_ControlFlag | tvpm_ShiftFlag, TVPM_VK_F5), 3);  // flags must match exactly
     EXPECT_EQ(PressKey(0, 0, TVPM_VK_F5), 3);
@@ -359,34 +309,22 @@ TEST_F(InputTest, NewestMatchingHotKeyFiresAndAnyPluginMayListAndRebindIt) {
     EXPECT_EQ(PressKey('x', tvpm_ControlFlag, TVPM_VK_F5), 0);  // the character plays no part
     EXPECT_EQ(PressKey(0, 0, TVPM_VK_F7), 0);  // unregisters itself and registers another
     EXPECT_EQ(PressKey(0, 0, TVPM_VK_F7), 0);
-    EXPECT_EQ(g_events, (Log{"beta:hotkey", "alpha:hotkey", "f7:self", "again:hotkey"}));
-    g_events.clear();
     TVPMEnablePlugin(rig.Id("beta.tvp"));
     rig.As("alpha.tvp", [&] { TVPMUnregisterHotKey(newer); });  // another plugin's
     rig.As("beta.tvp", [&] {
-        ASSERT_EQ(TVPMCountHotKeys(), 2);
+        EXPECT_EQ(TVPMCountHotKeys(), 2);
         char vkey = 0;
         TVPMKeyFlags flags = -1;
-        char description[512] = "";
+        std::vector<char> text(600, 'x');  // the description comes back cut to 511 characters
         TVPMPluginID owner = -5;
-        TVPMGetHotKeyInfo(older, &vkey, &flags, description, &owner);
-        EXPECT_EQ(std::make_tuple(vkey, flags, std::string(description), owner),
-                  std::make_tuple(char(TVPM_VK_F5), TVPMKeyFlags(tvpm_ControlFlag), std::string("alpha's"), rig.Id("alpha.tvp")));
+        TVPMGetHotKeyInfo(older, &vkey, &flags, text.data(), &owner);
+        EXPECT_EQ(std::make_tuple(vkey, flags, std::string(text.data()), text[512], owner),
+                  std::make_tuple(char(TVPM_VK_F5), TVPMKeyFlags(tvpm_ControlFlag), description.substr(0, 511), 'x', rig.Id("alpha.tvp")));
         TVPMGetHotKeyInfo(older, nullptr, nullptr, nullptr, nullptr);
         TVPMSetHotKeyCombination(older, TVPM_VK_F2, tvpm_OptionAltFlag);
-        TVPMSetHotKeyCombination((void*)description, TVPM_VK_F3, 0);  // unknown: ignored
+        TVPMSetHotKeyCombination(text.data(), TVPM_VK_F3, 0);  // unknown: ignored
     });
     EXPECT_EQ(PressKey(0, tvpm_ControlFlag, TVPM_VK_F5), 3);
     EXPECT_EQ(PressKey(0, tvpm_OptionAltFlag, TVPM_VK_F2), 0);
-    EXPECT_EQ(g_events, (Log{"alpha:hotkey"}));
-}
-
-TEST_F(InputTest, LongHotKeyDescriptionsComeBackCutTo511Characters) {
-    const std::string text(600, 'd');
-    TVPMHotKeyID id = nullptr;
-    rig.As("alpha.tvp", [&] { id = TVPMRegisterHotKey(TVPM_VK_F9, 0, text.c_str(), HotKey, nullptr); });
-    std::vector<char> out(600, 'x');
-    TVPMGetHotKeyInfo(id, nullptr, nullptr, out.data(), nullptr);
-    EXPECT_EQ(std::string(out.data()), std::string(511, 'd'));
-    EXPECT_EQ(out[512], 'x');
+    EXPECT_EQ(g_events, (Log{"beta:hotkey", "alpha:hotkey", "f7:self", "again:hotkey", "alpha:hotkey"}));
 }
