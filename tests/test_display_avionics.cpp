@@ -55,13 +55,18 @@ TVPMCreateAvionics_t Creation(const char* label) {
             Wheel, Cursor, Mouse, Mouse, Wheel, Cursor, Key, Brightness, label, "Test device",
             (void*)label};
 }
-TVPMAvionicsID Customise(int device, const char* label) {
-    TVPMCustomizeAvionics_t p = Customisation(device, label);
-    return TVPMRegisterAvionicsCallbacksEx(&p);
-}
-TVPMAvionicsID Create(const char* label) {
-    TVPMCreateAvionics_t p = Creation(label);
-    return TVPMCreateAvionicsEx(&p);
+TVPMAvionicsID Customise(TVPMCustomizeAvionics_t p) { return TVPMRegisterAvionicsCallbacksEx(&p); }
+TVPMAvionicsID Customise(int device, const char* label) { return Customise(Customisation(device, label)); }
+TVPMAvionicsID Create(TVPMCreateAvionics_t p) { return TVPMCreateAvionicsEx(&p); }
+TVPMAvionicsID Create(const char* label) { return Create(Creation(label)); }
+template <class Params>
+Params WithSize(Params p, int size) { return p.structSize = size, p; }
+
+// Draw callbacks that disable their own plugin, or remove their own record, while drawn.
+int DisableSelfWhileDrawing(TVPMDeviceID, int, void* r) { return Note(r, "disabling"), TVPMDisablePlugin(TVPMGetMyID()), 1; }
+TVPMAvionicsID g_self = nullptr;
+int UnregisterSelfWhileDrawing(TVPMDeviceID, int, void* r) {
+    return Note(r, "unregistering"), TVPMUnregisterAvionicsCallbacks(g_self), TVPMDestroyAvionics(g_self), 1;
 }
 
 // Created devices' displays are their labels, so a hook call names its device.
@@ -168,34 +173,13 @@ TEST_F(AvionicsTest, InputGoesNewestFirstAndStopsAtTheFirstConsumer) {
                   TVPMNeedsAvionicsBrightnessHook(-1, (void*)kBetaDevice), 0);
 }
 
-namespace {
-TVPMAvionicsID g_self = nullptr;
-// Disables its own plugin while being drawn.
-int DisableSelfWhileDrawing(TVPMDeviceID, int, void* ref) {
-    Note(ref, "disabling");
-    TVPMDisablePlugin(TVPMGetMyID());
-    return 1;
-}
-// Removes its own record while being drawn.
-int UnregisterSelfWhileDrawing(TVPMDeviceID, int, void* ref) {
-    Note(ref, "unregistering");
-    TVPMUnregisterAvionicsCallbacks(g_self);
-    TVPMDestroyAvionics(g_self);
-    return 1;
-}
-}  // namespace
-
 TEST_F(AvionicsTest, CallbacksMayDisableTheirPluginOrRemoveThemselvesDuringTheWalk) {
     rig.As("alpha.tvp", [] { Customise(3, "a3"); });
     rig.As("beta.tvp", [] {
         Customise(3, "b3");
-        TVPMCustomizeAvionics_t p = ShortForm(3, DisableSelfWhileDrawing, "b-off");
-        ASSERT_NE(TVPMRegisterAvionicsCallbacksEx(&p), nullptr);
+        ASSERT_NE(Customise(ShortForm(3, DisableSelfWhileDrawing, "b-off")), nullptr);
     });
-    rig.As("alpha.tvp", [] {
-        TVPMCustomizeAvionics_t p = ShortForm(3, UnregisterSelfWhileDrawing, "a-self");
-        g_self = TVPMRegisterAvionicsCallbacksEx(&p);
-    });
+    rig.As("alpha.tvp", [] { g_self = Customise(ShortForm(3, UnregisterSelfWhileDrawing, "a-self")); });
     EXPECT_EQ(TVPMDoAvionicsScreenHook(3, kNoDisplay, 1), 1);
     EXPECT_EQ(Take(), (Events{"a-self:unregistering@alpha.tvp", "b-off:disabling@beta.tvp", "a3:pre 3@alpha.tvp"}));
     EXPECT_EQ(TVPMDoAvionicsScreenHook(3, kNoDisplay, 1), 1);
@@ -206,16 +190,9 @@ TEST_F(AvionicsTest, OnlyTheListedStructSizesAreAccepted) {
     rig.As("alpha.tvp", [] {
         EXPECT_EQ(TVPMRegisterAvionicsCallbacksEx(nullptr), nullptr);
         EXPECT_EQ(TVPMCreateAvionicsEx(nullptr), nullptr);
-        for (int size : {0, 24, 31, 33, 96, 103, 105, 152}) {
-            TVPMCustomizeAvionics_t p = Customisation(size, "x");
-            p.structSize = size;
-            EXPECT_EQ(TVPMRegisterAvionicsCallbacksEx(&p), nullptr) << size;
-        }
-        for (int size : {0, 32, 104, 151, 153, 160}) {
-            TVPMCreateAvionics_t p = Creation("x");
-            p.structSize = size;
-            EXPECT_EQ(TVPMCreateAvionicsEx(&p), nullptr) << size;
-        }
+        for (int size : {0, 24, 31, 33, 96, 103, 105, 152})
+            EXPECT_EQ(Customise(WithSize(Customisation(1, "x"), size)), nullptr) << size;
+        for (int size : {0, 32, 104, 151, 153, 160}) EXPECT_EQ(Create(WithSize(Creation("x"), size)), nullptr) << size;
         // The short form in a buffer of exactly its size; it takes no input.
         auto shortForm = std::make_unique<char[]>(TVPM_CUSTOMIZE_AVIONICS_SHORT_SIZE);
         const TVPMCustomizeAvionics_t head = ShortForm(7, Draw, "s7");
