@@ -19,14 +19,12 @@ Calls g_calls;
 struct Reg {
     const char* plugin;
     TVPMDrawingPhase phase;
-    int before;
-    int answer;
+    int before, answer;
     const char* label;
 };
 int Record(TVPMDrawingPhase phase, int before, void* refcon) {
     const Reg* r = static_cast<const Reg*>(refcon);
-    g_calls.push_back(std::string(r->label) + ":" + std::to_string(phase) + ":" + std::to_string(before));
-    return r->answer;
+    return g_calls.push_back(std::string(r->label) + ":" + std::to_string(phase) + ":" + std::to_string(before)), r->answer;
 }
 void DrawLabel(TVPMWindowID, void* refcon) { g_calls.push_back(static_cast<const char*>(refcon)); }
 
@@ -152,17 +150,14 @@ TEST_F(DrawTest, ChangesDuringTheWalkTakeEffectOnTheNextPass) {
     TVPMDoDrawingHook(8, 0, nullptr);
     TVPMDoDrawingHook(8, 0, nullptr);
     EXPECT_EQ(g_calls, (Calls{"newer:20:1", "self", "older:20:1", "late:20:1", "newer:20:1", "older:20:1"}));
-    rig.As("alpha.tvp", [] {
-        EXPECT_EQ(TVPMRegisterDrawCallback(UnregisterSelfRegisterLate, tvpm_Phase_Objects, 1, nullptr), 1);
-    });
+    rig.As("alpha.tvp", [] { EXPECT_EQ(TVPMRegisterDrawCallback(UnregisterSelfRegisterLate, tvpm_Phase_Objects, 1, nullptr), 1); });
 }
 
 TEST_F(DrawTest, CallbacksRunAsTheirPluginAndAreTimedByCategory) {
     static TVPMPluginID seen = -5;
     static const Reg w{"beta.tvp", tvpm_Phase_Window, 1, 1, "w"}, m{"beta.tvp", tvpm_Phase_LocalMap2D, 0, 1, "m"};
     rig.As("beta.tvp", [] {
-        TVPMRegisterDrawCallback([](TVPMDrawingPhase, int, void*) { seen = TVPMGetMyID(); return 1; },
-                                 tvpm_Phase_Panel, 1, nullptr);
+        TVPMRegisterDrawCallback([](TVPMDrawingPhase, int, void*) { return seen = TVPMGetMyID(), 1; }, tvpm_Phase_Panel, 1, nullptr);
         TVPMRegisterDrawCallback(Record, w.phase, w.before, (void*)&w);
         TVPMRegisterDrawCallback(Record, m.phase, m.before, (void*)&m);
         Window(DrawLabel, "win");
@@ -194,11 +189,7 @@ TEST_F(DrawTest, WindowsAreDrawnBackToFrontIntoTheirOwnSurfaceWhenVisible) {
         a = Window(DrawLabel, "A");
         Window(DrawLabel, "B");
         Window(DrawLabel, "C");
-        TVPMCreateWindow_t p{};
-        p.structSize = sizeof p;
-        p.visible = 1;
-        p.drawWindowFunc = DrawLabel;
-        p.refcon = (void*)"gui";
+        TVPMCreateWindow_t p{TVPM_CREATE_WINDOW_SIZE_GUI, 0, 0, 0, 0, 1, DrawLabel, nullptr, nullptr, nullptr, nullptr, (void*)"gui", 0, 0, nullptr};
         gui = TVPMCreateWindowEx(&p);
     });
     EXPECT_EQ(TVPMNeedsDrawingHook(21, 0), 1);
@@ -220,11 +211,7 @@ TEST_F(DrawTest, WindowsAreDrawnBackToFrontIntoTheirOwnSurfaceWhenVisible) {
 namespace {
 TVPMWindowID g_backMost = nullptr;
 bool g_reloadNow = false;
-
-void DrawAndRaiseBackMost(TVPMWindowID, void* refcon) {
-    DrawLabel(nullptr, refcon);
-    TVPMBringWindowToFront(g_backMost);
-}
+void DrawAndRaiseBackMost(TVPMWindowID, void* refcon) { DrawLabel(nullptr, refcon), TVPMBringWindowToFront(g_backMost); }
 void DrawAndReplaceSelf(TVPMWindowID self, void* refcon) {
     DrawLabel(nullptr, refcon);
     TVPMDestroyWindow(self);
@@ -236,8 +223,7 @@ void DrawAndReloadAircraft(TVPMWindowID, void* refcon) {
     if (std::exchange(g_reloadNow, false)) TVPMReloadACFPlugins();
 }
 void DrawAndDisableBeta(TVPMWindowID, void* refcon) {
-    DrawLabel(nullptr, refcon);
-    TVPMDisablePlugin(TVPMFindPluginBySignature("test.beta.tvp"));
+    DrawLabel(nullptr, refcon), TVPMDisablePlugin(TVPMFindPluginBySignature("test.beta.tvp"));
 }
 }  // namespace
 

@@ -34,6 +34,21 @@ TVPMCreateWindow_t GuiParams(int layer = tvpm_WindowLayerModal, TVPMHandleKey_f 
             tvpm_WindowDecorationRoundRectangle, layer, nullptr};
 }
 
+// Focus-loss calls that change the focus while it is being handed over.
+void DestroyOtherOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int) { g_keys.push_back("destroying"), TVPMDestroyWindow(g_other); }
+void RetakeFocusOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int) {
+    g_keys.push_back("retake, focused " + std::to_string(TVPMHasKeyboardFocus(g_other))), TVPMTakeKeyboardFocus(g_other);
+}
+void HideOtherOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int) { g_keys.push_back("hiding"), TVPMSetWindowIsVisible(g_other, 0); }
+Strings g_mouse;
+int RecordMouse(TVPMWindowID, int x, int y, TVPMMouseStatus s, void*) {
+    return g_mouse.push_back(std::to_string(s) + "@" + std::to_string(x) + "," + std::to_string(y)), 1;
+}
+int g_called = 0;
+void CountHotKey(void*) { ++g_called; }
+int CountDraw(TVPMDrawingPhase, int, void*) { return ++g_called; }
+int CountSniff(char, TVPMKeyFlags, char, void*) { return ++g_called; }
+
 class WindowTest : public ::testing::Test {
 protected:
     void SetUp() override { g_keys.clear(); }
@@ -210,21 +225,6 @@ TEST_F(WindowTest, ForwardersPassEverythingThrough) {
 
 // ---- Focus changed by the focus-loss call ---------------------------------------------------
 
-namespace {
-void DestroyOtherOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int losing) {
-    g_keys.push_back("destroying");
-    if (losing) TVPMDestroyWindow(g_other);
-}
-void RetakeFocusOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int losing) {
-    g_keys.push_back("retake, focused " + std::to_string(TVPMHasKeyboardFocus(g_other)));
-    if (losing) TVPMTakeKeyboardFocus(g_other);
-}
-void HideOtherOnLoss(TVPMWindowID, char, TVPMKeyFlags, char, void*, int losing) {
-    g_keys.push_back("hiding");
-    if (losing) TVPMSetWindowIsVisible(g_other, 0);
-}
-}  // namespace
-
 TEST_F(WindowTest, FocusLossCallbacksThatChangeTheFocusAreToldOnce) {
     // The focus goes from the loser to the taker "t"; g_other is one of them.
     const struct {
@@ -263,18 +263,6 @@ TEST_F(WindowTest, FocusLossCallbacksThatChangeTheFocusAreToldOnce) {
 }
 
 // ---- Lifecycle ----------------------------------------------------------------------------
-
-namespace {
-Strings g_mouse;
-int RecordMouse(TVPMWindowID, int x, int y, TVPMMouseStatus s, void*) {
-    g_mouse.push_back(std::to_string(s) + "@" + std::to_string(x) + "," + std::to_string(y));
-    return 1;
-}
-int g_called = 0;
-void CountHotKey(void*) { ++g_called; }
-int CountDraw(TVPMDrawingPhase, int, void*) { return ++g_called; }
-int CountSniff(char, TVPMKeyFlags, char, void*) { return ++g_called; }
-}  // namespace
 
 TEST_F(WindowTest, DisableReleasesFocusAndMouseAndHidesSimulatorWindowsEnableShowsThem) {
     g_mouse.clear();
