@@ -69,13 +69,6 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-Steps Send(TVPMEventKind kind, intptr_t param, float dt = 0.25f) {
-    s_steps.clear();
-    EXPECT_EQ(TVPMEventHook(kind, dt, 9.0f, param, 99), 1);
-    EXPECT_EQ(gDispatchedPlugin, 0);
-    return s_steps;
-}
-
 class EventHook : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -85,41 +78,56 @@ protected:
     void TearDown() override {
         gHooks = nullptr;
         gAllPlugins.clear();
-        s_busy = false;
+    }
+    static Steps Send(TVPMEventKind kind, intptr_t param) {
+        s_steps.clear();
+        EXPECT_EQ(TVPMEventHook(kind, 0.25f, 9.0f, param, 99), 1);
+        EXPECT_EQ(gDispatchedPlugin, 0);
+        return s_steps;
     }
     TVPMHooks hooks{};
 };
 
 }  // namespace
 
-TEST_F(EventHook, NothingIsRoutedWithoutAPluginTable) {
+TEST_F(EventHook, NothingIsRoutedWithoutAPluginTableOrHostTable) {
     gAllPlugins.clear();
     EXPECT_EQ(Send(tvpm_FlightLoopEvent, 0), Steps{});
-    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), Steps{});
+    gAllPlugins.resize(4);
     gHooks = nullptr;
     EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), Steps{});
 }
 
-TEST_F(EventHook, FrameEventsRunTheirUnitsInOrder) {
-    EXPECT_EQ(Send(tvpm_FlightLoopEvent, 0), (Steps{"close deferred", "repeated buttons",
-                                                    "sound housekeeping", "flight loops 0.25 0"}));
-    EXPECT_EQ(Send(tvpm_FlightLoopDoneEvent, 0), (Steps{"close deferred", "flight loops 0.25 10"}));
-    EXPECT_EQ(Send(tvpm_CameraChangedHook, 0), (Steps{"close deferred", "release camera"}));
-    EXPECT_EQ(Send(tvpm_CommandRepeat, 0), (Steps{"close deferred", "command repeat"}));
-    EXPECT_EQ(Send(tvpm_ATCInstruction, 5), (Steps{"close deferred"}));
-    EXPECT_EQ(Send(tvpm_FMODSoundEnded, 5), (Steps{"close deferred"}));
-    EXPECT_EQ(Send(static_cast<TVPMEventKind>(20), 5), (Steps{"close deferred"}));
-}
-
-TEST_F(EventHook, EventsSentWhilePluginsAreLoadingOnlyBroadcast) {
-    s_busy = true;
-    EXPECT_EQ(Send(tvpm_PlaneLoaded, 0), (Steps{"close deferred", "send -1 102 (nil) as 0"}));
-    EXPECT_EQ(Send(tvpm_PlaneUnloaded, 0), (Steps{"close deferred", "send -1 106 (nil) as 0"}));
-    EXPECT_EQ(Send(tvpm_RegisterScenery, reinterpret_cast<intptr_t>("/pack/")),
-              (Steps{"close deferred"}));
-}
-
-TEST_F(EventHook, BankUnloadingBroadcastsThenClearsTheBankAsTheSimulator) {
-    EXPECT_EQ(Send(tvpm_FMODBankUnloading, 6),
-              (Steps{"close deferred", "send -1 113 0x6 as 0", "clear bank -1 6 as 0"}));
+TEST_F(EventHook, EachEventRunsItsUnitsInOrderAfterClosingDeferredLibraries) {
+    const intptr_t pack = reinterpret_cast<intptr_t>("/pack/");
+    struct Case {
+        TVPMEventKind kind;
+        intptr_t param;
+        bool loaderBusy;
+        Steps steps;
+    };
+    const Case kCases[] = {
+        {tvpm_FlightLoopEvent, 0, false, {"repeated buttons", "sound housekeeping", "flight loops 0.25 0"}},
+        {tvpm_FlightLoopDoneEvent, 0, false, {"flight loops 0.25 10"}},
+        {tvpm_CameraChangedHook, 0, false, {"release camera"}},
+        {tvpm_CommandRepeat, 0, false, {"command repeat"}},
+        {tvpm_ATCInstruction, 5, false, {}},  // no unit, no message
+        {static_cast<TVPMEventKind>(20), 5, false, {}},
+        {tvpm_PlaneLoaded, 0, false, {"send -1 102 (nil) as 0", "load aircraft /sim/Aircraft/Jet", "enable aircraft"}},
+        {tvpm_PlaneUnloaded, 0, false, {"send -1 106 (nil) as 0", "disable aircraft", "unload aircraft"}},
+        {tvpm_PlaneUnloaded, 2, false, {"send -1 106 0x2 as 0"}},
+        {tvpm_RegisterScenery, pack, false, {"scenery /pack/"}},
+        {tvpm_FMODBankUnloading, 6, false, {"send -1 113 0x6 as 0", "clear bank -1 6 as 0"}},
+        // Events sent while plugins are loading only broadcast.
+        {tvpm_PlaneLoaded, 0, true, {"send -1 102 (nil) as 0"}},
+        {tvpm_PlaneUnloaded, 0, true, {"send -1 106 (nil) as 0"}},
+        {tvpm_RegisterScenery, pack, true, {}},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(testing::Message() << "event " << c.kind << " busy " << c.loaderBusy);
+        s_busy = c.loaderBusy;
+        Steps expected{"close deferred"};
+        expected.insert(expected.end(), c.steps.begin(), c.steps.end());
+        EXPECT_EQ(Send(c.kind, c.param), expected);
+    }
 }
