@@ -26,6 +26,13 @@ TVPMDataRef RegisterIntAs(const char* key, const std::string& name, int* storage
 int s_alpha = 11, s_beta = 22;
 using DataRefs = TwoPlugins;
 
+// An error callback may use the registry.
+TVPMDataRef s_seenFromErrorCallback = nullptr;
+void RecordAndLookUp(const char* text) {
+    RecordPluginError(text);
+    s_seenFromErrorCallback = TVPMFindDataRef("test/value");
+}
+
 }  // namespace
 
 TEST_F(DataRefs, OwnershipRefusalsAndRevivalByName) {
@@ -35,7 +42,9 @@ TEST_F(DataRefs, OwnershipRefusalsAndRevivalByName) {
     TVPMDataRef item = RegisterIntAs("alpha.tvp", "test/value", &s_alpha);
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(TVPMFindDataRef("test/value"), item);
+    RunAs("beta.tvp", [] { TVPMSetErrorCallback(RecordAndLookUp); });
     EXPECT_EQ(RegisterIntAs("beta.tvp", "test/value", &s_beta), item) << "the owner's handle";
+    EXPECT_EQ(s_seenFromErrorCallback, item);
     EXPECT_EQ(TVPMGetDatai(item), 11) << "the first owner's accessors are kept";
 
     int local = 0;
@@ -259,21 +268,6 @@ TEST_F(DataRefs, NewItemNoticeGoesOnlyToPluginsThatAskedWithTheTotal) {
     TVPMEventHook(tvpm_CheckNewDatarefs, 0, 0, 0, 0);
     EXPECT_EQ(s_notices, (std::vector<std::pair<std::string, int>>{{"alpha.tvp", 1}, {"alpha.tvp", 3}}))
         << "the total, not the number added";
-}
-
-namespace {
-TVPMDataRef s_seenFromErrorCallback = nullptr;
-void LookUpWhileReporting(const char*) { s_seenFromErrorCallback = TVPMFindDataRef("test/taken"); }
-}  // namespace
-
-TEST_F(DataRefs, AnErrorCallbackMayUseTheRegistry) {
-    Start();
-    TVPMDataRef mine = RegisterIntAs("alpha.tvp", "test/taken", &s_alpha);
-    RunAs("beta.tvp", [] {
-        TVPMSetErrorCallback(LookUpWhileReporting);
-        RegisterInt("test/taken", &s_beta);
-    });
-    EXPECT_EQ(s_seenFromErrorCallback, mine);
 }
 
 TEST(DataRefsAtScale, ReadersSeeEveryPublishedItemWhileAnotherThreadRegistersAndHandlesStayPut) {
