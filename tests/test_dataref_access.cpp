@@ -176,6 +176,7 @@ TEST_F(SharedData, PluginsShareAValueAndAreToldOfEveryWriteInOrder) {
 
     s_notified.clear();
     RunAs("beta.tvp", [] {
+        EXPECT_EQ(TVPMUnshareData(nullptr, tvpmType_Int, Changed, kBetaTag), 0);
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kOtherTag), 0);
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Float, Changed, kBetaTag), 0);
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 0) << "only one's own";

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -26,10 +25,7 @@ Lines s_seen;
 class Dispatch : public SimTest {
 protected:
     void SetUp() override {
-        for (const char* key : {"alpha.tvp", "beta.tvp", "gamma.tvp"}) {
-            sim.AddLoose(key, BuiltPlugin("scripted.tvp"));
-            Script(key).message = RunAsHandler{};
-        }
+        AddScripted({"alpha.tvp", "beta.tvp", "gamma.tvp"});
         host.On<&TVPMHooks::TVPMDebugString_f>([](const char*) {
             char name[256] = "?", signature[256] = "?";
             int id = TVPMGetCurrentPluginInfo(name, signature);
@@ -42,12 +38,6 @@ protected:
         s_seen.clear();
     }
 
-    // Runs code as plugin id. The code travels with the message rather than in
-    // the plugin's script, so a plugin can be re-entered while it runs.
-    static void As(TVPMPluginID id, std::function<void()> code) {
-        TVPMSendMessageToPlugin(id, kRunAsMessage, &code);
-    }
-
     TVPMPluginID alpha = -1, beta = -1, gamma = -1;
 };
 
@@ -56,11 +46,11 @@ protected:
 TEST_F(Dispatch, TheReceiverIsCurrentAndTheSenderIsItsClientAtEveryLevel) {
     std::vector<int> ids;
     TVPMDebugString("from the simulator");
-    As(alpha, [&] {
-        As(beta, [&] {
-            As(gamma, [&] { ids.push_back(TVPMGetMyID()); });
+    RunAs("alpha.tvp", [&] {
+        RunAs("beta.tvp", [&] {
+            RunAs("gamma.tvp", [&] { ids.push_back(TVPMGetMyID()); });
             ids.push_back(TVPMGetMyID());
-            As(beta, [&] { TVPMDebugString("beta from beta"); });
+            RunAs("beta.tvp", [&] { TVPMDebugString("beta from beta"); });
             TVPMDebugString("inside beta");
         });
         ids.push_back(TVPMGetMyID());
@@ -77,8 +67,8 @@ TEST_F(Dispatch, TheReceiverIsCurrentAndTheSenderIsItsClientAtEveryLevel) {
     TVPMDisablePlugin(beta);
     s_seen.clear();
     bool ran = false;
-    As(alpha, [&] {
-        As(beta, [&] { ran = true; });
+    RunAs("alpha.tvp", [&] {
+        RunAs("beta.tvp", [&] { ran = true; });
         EXPECT_EQ(TVPMGetMyID(), alpha);
         TVPMDebugString("after the skipped call");
     });
@@ -101,7 +91,7 @@ float SlowLoop(float, float, int, void*) {
 }  // namespace
 
 TEST_F(Dispatch, ATimedCallbackReportsItsOwnerKindAndWholeMicrosecondsOnce) {
-    As(alpha, [] { TVPMRegisterFlightLoopCallback(SlowLoop, -1.0f, nullptr); });
+    RunAs("alpha.tvp", [] { TVPMRegisterFlightLoopCallback(SlowLoop, -1.0f, nullptr); });
     TVPMGetPluginCallbackTimings(CollectTimings);
     s_samples.clear();
     TVPMSendMessageToPlugin(TVPM_NO_PLUGIN_ID, 1, nullptr);  // messages are not timed
