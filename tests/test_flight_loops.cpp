@@ -141,6 +141,19 @@ TEST_F(FlightLoops, NewestRunsFirstAndOnlyItsOwnerMayChangeItWhileStaleHandlesAr
     EXPECT_TRUE(ErrorsOf(alpha).empty());
 }
 
+TEST_F(FlightLoops, LoopsKeepTheirScheduleWhenRemovalsCompactTheirPhase) {
+    static char names[4][2] = {"0", "1", "2", "3"};
+    std::vector<TVPMFlightLoopID> ids;
+    for (char* name : names) ids.push_back(CreateAs("alpha.tvp", name, -1));
+    RunAs("alpha.tvp", [&] {
+        TVPMDestroyFlightLoop(ids[0]);
+        TVPMDestroyFlightLoop(ids[1]);  // half the phase is gone
+        TVPMScheduleFlightLoop(ids[2], 0, 0);
+    });
+    Frame(1);
+    EXPECT_EQ(Called(), Names{"3"});
+}
+
 TEST_F(FlightLoops, ALoopMayDestroyOrReRegisterItselfFromItsOwnCallback) {
     TVPMFlightLoopID a = CreateAs("alpha.tvp", kA, -1);
     CreateAs("alpha.tvp", kB, -1);
