@@ -66,7 +66,8 @@ TEST_F(Registry, PluginsAreFoundByExactPathAndSignatureAndTheSimulatorIsPluginZe
     TVPMGetPluginInfo(alpha, nullptr, nullptr, some.signature, nullptr);
     EXPECT_STREQ(some.signature, "test.alpha.tvp");
     Info untouched;
-    for (TVPMPluginID id : {-1, 4, 1000}) untouched.Of(id);
+    for (TVPMPluginID id : {-1, 4, 1000})
+        TVPMGetPluginInfo(id, untouched.name, untouched.path, untouched.signature, untouched.description);
     EXPECT_EQ(std::string(untouched.name, 4) + std::string(untouched.description, 4), "xxxxxxxx");
 }
 
