@@ -85,8 +85,8 @@ TEST_F(Scenery, ProbesReuseFreedSlotsSmallestFirstAndRefuseWhatTheyCannotProbe) 
     EXPECT_EQ(nextProbe, 1);  // each case reused the slot the one before freed
     RunAs("alpha.tvp", [] {
         TVPMProbeRef p[3] = {TVPMCreateProbe(tvpm_ProbeY), TVPMCreateProbe(tvpm_ProbeY), TVPMCreateProbe(tvpm_ProbeY)};
-        TVPMDestroyProbe(p[2]);
         TVPMDestroyProbe(p[1]);
+        TVPMDestroyProbe(p[2]);
         TVPMProbeInfo_t info{};
         info.structSize = TVPM_PROBE_INFO_SIZE;
         TVPMProbeTerrainXYZ(TVPMCreateProbe(tvpm_ProbeY), 1, 2, 3, &info);
