@@ -1,11 +1,13 @@
-// test_passthrough_services.cpp: navigation and graphics calls reach their simulator slot with their arguments.
+// test_passthrough_services.cpp: navigation, graphics, map-projection and magnetic-variation calls reach their simulator slot with their arguments.
 #include <functional>
 #include <thread>
 
 #include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMGraphics.h"
+#include "TVPM/TVPMMap.h"
 #include "TVPM/TVPMNavigation.h"
+#include "TVPM/TVPMScenery.h"
 
 using namespace tvpmtest;
 
@@ -70,9 +72,18 @@ const Forwarded kForwarded[] = {
     {"TVPMDrawNumber_f", [] { TVPMDrawNumber(nullptr, 5, 6, 2.25, 4, 2, 1, 0); }, "null,5,6,2.25,4,2,1,0"},
     {"TVPMGetFontDimensions_f", [] { TVPMGetFontDimensions(18, nullptr, nullptr, nullptr); }, "18,null,null,null"},
     {"TVPMMeasureString_f", [] { TVPMMeasureString(0, kId, 2); }, "0,\"KSEA\",2"},
+    {"TVPMMapExists_f", [] { TVPMMapExists(kId); }, "\"KSEA\""},
+    {"TVPMMapProject_f", [] { TVPMMapProject(nullptr, 47.5, 8.5, nullptr, nullptr); }, "null,47.5,8.5,null,null"},
+    {"TVPMMapUnproject_f", [] { TVPMMapUnproject(nullptr, 1.5f, 2.5f, nullptr, nullptr); }, "null,1.5,2.5,null,null"},
+    {"TVPMMapScaleMeter_f", [] { TVPMMapScaleMeter(nullptr, 3, 4); }, "null,3,4"},
+    {"TVPMMapGetNorthHeading_f", [] { TVPMMapGetNorthHeading(nullptr, 5, 6); }, "null,5,6"},
+    {"TVPMGetMagneticVariation_f", [] { TVPMGetMagneticVariation(47.5, 8.5); }, "47.5,8.5"},
+    {"TVPMDegTrueToDegMagnetic_f", [] { TVPMDegTrueToDegMagnetic(90); }, "90"},
+    {"TVPMDegMagneticToDegTrue_f", [] { TVPMDegMagneticToDegTrue(270); }, "270"},
+    {"TVPMLookupObjects_f", [] { TVPMLookupObjects(kId, 1.5f, 2.5f, nullptr, nullptr); }, "\"KSEA\",1.5,2.5,null,null"},
 };
 
-TEST_F(SimTest, NavigationAndGraphicsCallsReachTheSlotOfTheirNameWithTheirArguments) {
+TEST_F(SimTest, ForwardedCallsReachTheSlotOfTheirNameWithTheirArguments) {
     AddScripted({"alpha.tvp"});
     ASSERT_EQ(host.Start(sim.Root()), 23);
     for (const Forwarded& f : kForwarded) {
