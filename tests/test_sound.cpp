@@ -43,7 +43,7 @@ TEST_F(SoundRig, ASoundIsCreatedFromRawPCMAndCompletesAtTheNextFrame) {
     for (int loop : {0, 1}) {
         SCOPED_TRACE(loop);
         fmodstandin::ClearJournal();
-        Completions::Lines().clear();
+        gCompletions.clear();
         TVPMFMODChannel* ch =
             RunAs<TVPMFMODChannel*>("alpha.tvp", [&] { return PlayTenth(tvpm_AudioRadioCom1, "tone", loop); });
         ASSERT_NE(ch, nullptr);
@@ -55,9 +55,9 @@ TEST_F(SoundRig, ASoundIsCreatedFromRawPCMAndCompletesAtTheNextFrame) {
         if (loop) {
             EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return TVPMStopAudio(ch); }), 0);
         }
-        EXPECT_TRUE(Completions::Seen().empty());
+        EXPECT_TRUE(Completed().empty());
         host.RunFrame();  // the engine ended it; the plugin hears at the frame
-        EXPECT_EQ(Completions::Seen(), Lines{std::to_string(alpha) + ":tone:0"});
+        EXPECT_EQ(Completed(), Lines{std::to_string(alpha) + ":tone:0"});
         EXPECT_GE(Logged("release sound"), 0);
     }
 }
@@ -84,13 +84,13 @@ TEST_F(SoundRig, AFailedPlayReportsAndCompletesAtOnce) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         PluginErrors().clear();
-        Completions::Lines().clear();
+        gCompletions.clear();
         fmodstandin::ClearJournal();
         if (c.failing) fmodstandin::FailNext(c.failing, c.failWith);
         TVPMFMODChannel* ch = RunAs<TVPMFMODChannel*>("beta.tvp", [&] { return PlayTenth(c.bus, "x"); });
         EXPECT_EQ(ch != nullptr, c.channelReturned);
         EXPECT_EQ(PluginErrors(), c.error ? Lines{std::to_string(beta) + ":" + c.error} : Lines{});
-        EXPECT_EQ(Completions::Seen(), Lines{std::to_string(beta) + ":x:" + std::to_string(c.status)});
+        EXPECT_EQ(Completed(), Lines{std::to_string(beta) + ":x:" + std::to_string(c.status)});
         EXPECT_EQ(Logged("release sound") >= 0, c.soundReleased);
     }
     host.On<&TVPMHooks::TVPMGetFMODBus_f>([](const char*) -> FMOD_STUDIO_BUS* { return nullptr; });
@@ -151,7 +151,7 @@ TEST_F(SoundRig, DisablingAPluginStopsItsSoundsWithStatus65BeforeDisableReturns)
     RunAs("alpha.tvp", [] { PlayTenth(tvpm_AudioUI, "loop", 1); });
     RunAs("beta.tvp", [] { PlayTenth(tvpm_AudioUI, "other", 1); });
     TVPMDisablePlugin(alpha);
-    EXPECT_EQ(Completions::Seen(), Lines{std::to_string(alpha) + ":loop:65"});
+    EXPECT_EQ(Completed(), Lines{std::to_string(alpha) + ":loop:65"});
     EXPECT_GE(Logged("stop group alpha.tvp - UI"), 0);
     EXPECT_EQ(GroupParent("alpha.tvp - UI"), "UI");  // kept until unload
     EXPECT_EQ(fmodstandin::PlayingChannels().size(), 1u);
@@ -175,7 +175,7 @@ TEST_F(SoundRig, UnloadReleasesChildGroupsBeforeTheirParentThenUpdatesStudio) {
         EXPECT_LT(Logged(child), parent) << child;
     }
     EXPECT_GT(Logged("studio update"), parent);
-    EXPECT_EQ(Completions::Seen(), Lines{std::to_string(alpha) + ":m:65"});
+    EXPECT_EQ(Completed(), Lines{std::to_string(alpha) + ":m:65"});
 }
 
 TEST_F(SoundRig, BankEventsTellEveryPluginAndUnloadingClearsEveryGroup) {
@@ -216,7 +216,7 @@ TEST_F(SoundRig, ACompletionCallbackCannotStartOrStopSoundsAndMayDisableItsPlugi
     EXPECT_EQ(PluginErrors(),
               (Lines{id + ":TVPMPlayPCMOnBus was called from a completion callback, where sounds cannot start.",
                      id + ":TVPMStopAudio was called from a completion callback, where sounds cannot stop."}));
-    EXPECT_EQ(Completions::Seen(), Lines{id + ":other:65"});
+    EXPECT_EQ(Completed(), Lines{id + ":other:65"});
     EXPECT_TRUE(fmodstandin::PlayingChannels().empty());
 }
 

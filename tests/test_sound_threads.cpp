@@ -31,7 +31,7 @@ TEST_F(SoundRig, ChannelsEndingOnTheEngineThreadRaceNothing) {
     engine.join();
     TVPMDisablePlugin(alpha);
     TVPMDisablePlugin(beta);
-    EXPECT_EQ(Completions::Seen().size(), static_cast<size_t>(played));
+    EXPECT_EQ(Completed().size(), static_cast<size_t>(played));
     EXPECT_TRUE(fmodstandin::PlayingChannels().empty());
 }
 

@@ -15,30 +15,24 @@
 namespace tvpmtest {
 
 // Completions as "<plugin id>:<refcon text>:<status>"; the engine's thread may add some.
-struct Completions {
-    static std::mutex& Mutex() {
-        static std::mutex mx;
-        return mx;
-    }
-    static std::vector<std::string>& Lines() {
-        static std::vector<std::string> seen;
-        return seen;
-    }
-    static void Record(void* refcon, TVPMFMODResult status) {
-        std::lock_guard<std::mutex> lock(Mutex());
-        Lines().push_back(std::to_string(TVPMGetMyID()) + ":" + (refcon ? static_cast<const char*>(refcon) : "null") +
-                          ":" + std::to_string(status));
-    }
-    static std::vector<std::string> Seen() {
-        std::lock_guard<std::mutex> lock(Mutex());
-        return Lines();
-    }
-};
+inline std::mutex gCompletionsMutex;
+inline std::vector<std::string> gCompletions;
+
+inline void RecordCompletion(void* refcon, TVPMFMODResult status) {
+    std::lock_guard<std::mutex> lock(gCompletionsMutex);
+    gCompletions.push_back(std::to_string(TVPMGetMyID()) + ":" + (refcon ? static_cast<const char*>(refcon) : "null") +
+                           ":" + std::to_string(status));
+}
+
+inline std::vector<std::string> Completed() {
+    std::lock_guard<std::mutex> lock(gCompletionsMutex);
+    return gCompletions;
+}
 
 // Plays 0.1 s of silence (800 mono 16-bit frames at 8000 Hz) with the recorder as completion.
 inline TVPMFMODChannel* PlayTenth(TVPMAudioBus bus, const char* refcon, int loop = 0) {
     static int16_t pcm[800];
-    return TVPMPlayPCMOnBus(pcm, sizeof pcm, tvpm_FMOD_PCM16, 8000, 1, loop, bus, &Completions::Record,
+    return TVPMPlayPCMOnBus(pcm, sizeof pcm, tvpm_FMOD_PCM16, 8000, 1, loop, bus, &RecordCompletion,
                             const_cast<char*>(refcon));
 }
 
@@ -46,7 +40,7 @@ class SoundRig : public SimTest {
 protected:
     void SetUp() override {
         fmodstandin::Reset();
-        Completions::Lines().clear();
+        gCompletions.clear();
         PluginErrors().clear();
         AddScripted({"alpha.tvp", "beta.tvp"});
         ReportErrorsOf("alpha.tvp");
