@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "DisplayRig.h"
@@ -10,279 +11,79 @@ using namespace tvpmtest;
 
 namespace {
 
-std::vector<std::string> g_events;
+using Log = std::vector<std::string>;
+Log g_events;
+std::vector<TVPMWindowID> g_windows;  // in creation order
 int g_consume = 1;
 
 std::string Label(void* refcon) { return refcon ? static_cast<const char*>(refcon) : "?"; }
+void Note(void* refcon, const std::string& what) { g_events.push_back(Label(refcon) + ":" + what); }
+std::string At(int s, int x, int y) { return std::to_string(s) + "@" + std::to_string(x) + "," + std::to_string(y); }
 
-int LeftClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* refcon) {
-    g_events.push_back(Label(refcon) + ":L" + std::to_string(s) + "@" + std::to_string(x) + "," +
-                       std::to_string(y));
-    return g_consume;
+int LeftClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "L" + At(s, x, y)), g_consume; }
+int RightClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "R" + At(s, x, y)), g_consume; }
+int Refuse(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "refused" + At(s, x, y)), 0; }
+// Mouse handlers that change the windows while they run.
+int DestroySelfAndConsume(TVPMWindowID self, int, int, TVPMMouseStatus s, void* r) {
+    return Note(r, "destroy" + std::to_string(s)), TVPMDestroyWindow(self), 1;
 }
-int RightClick(TVPMWindowID, int, int, TVPMMouseStatus s, void* refcon) {
-    g_events.push_back(Label(refcon) + ":R" + std::to_string(s));
-    return g_consume;
-}
-int Refuse(TVPMWindowID, int, int, TVPMMouseStatus s, void* refcon) {
-    g_events.push_back(Label(refcon) + ":refused" + std::to_string(s));
-    return 0;
-}
-void Key(TVPMWindowID, char key, TVPMKeyFlags, char, void* refcon, int losing) {
-    g_events.push_back(Label(refcon) + ":key" + std::to_string(key) + (losing ? ":losing" : ""));
-}
-
-TVPMWindowID MakeWindow(DisplayRig& rig, const std::string& key, int l, int t, int r, int b,
-                        const char* label, TVPMHandleMouseClick_f left = LeftClick,
-                        TVPMHandleMouseClick_f right = RightClick,
-                        TVPMHandleCursor_f cursor = nullptr,
-                        TVPMHandleMouseWheel_f wheel = nullptr, int structSize = 72) {
-    TVPMCreateWindow_t p{};
-    p.structSize = structSize;
-    p.left = l;
-    p.top = t;
-    p.right = r;
-    p.bottom = b;
-    p.visible = 1;
-    p.handleMouseClickFunc = left;
-    p.handleRightClickFunc = right;
-    p.handleKeyFunc = Key;
-    p.handleCursorFunc = cursor;
-    p.handleMouseWheelFunc = wheel;
-    p.refcon = (void*)label;
-    TVPMWindowID id = nullptr;
-    rig.As(key, [&] { id = TVPMCreateWindowEx(&p); });
-    return id;
-}
-
-int g_mouseX = 0, g_mouseY = 0;
-
-class InputTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        g_events.clear();
-        g_consume = 1;
-        auto where = [](int* x, int* y, int) {
-            *x = g_mouseX;
-            *y = g_mouseY;
-        };
-        rig.host.On<&TVPMHooks::TVPMGetMouseLocation_f>(where);
-        rig.host.On<&TVPMHooks::TVPMGetMouseLocationGlobal_f>(where);
-    }
-    // One frame of the window phase with the mouse at x, y: the capturing
-    // window, if any, gets its drag.
-    void Frame(int x, int y, void* fixed = nullptr) {
-        g_mouseX = x;
-        g_mouseY = y;
-        TVPMDoDrawingHook(21, 0, fixed);
-    }
-    DisplayRig rig{{"alpha.tvp", "beta.tvp"}};
-};
-
-}  // namespace
-
-// ---- Mouse --------------------------------------------------------------------------------
-
-TEST_F(InputTest, ClickFallsThroughARefusingFrontWindowAndTheBackOneKeepsTheMouse) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "back");
-    MakeWindow(rig, "beta.tvp", 50, 150, 150, 50, "front", Refuse);
-    EXPECT_EQ(TVPMMouseClickHook(60, 60, 1, 0, nullptr), 0);
-    Frame(500, 500);
-    EXPECT_EQ(TVPMMouseClickHook(120, 120, 0, 0, nullptr), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"front:refused1", "back:L1@60,60", "back:L2@500,500",
-                                                  "back:L3@120,120"}));
-    g_events.clear();
-    Frame(60, 60);  // capture ended
-    EXPECT_TRUE(g_events.empty());
-}
-
-TEST_F(InputTest, LeftAndBottomEdgesAreInsideRightAndTopEdgesOutside) {
-    MakeWindow(rig, "alpha.tvp", 10, 20, 30, 5, "w");
-    g_consume = 0;  // no capture, every click is only a hit test
-    const struct {
-        int x, y;
-        bool hit;
-    } probes[] = {{10, 5, true}, {29, 19, true}, {30, 10, false}, {15, 20, false},
-                  {9, 10, false}, {15, 4, false}};
-    for (const auto& p : probes) {
-        g_events.clear();
-        TVPMMouseClickHook(p.x, p.y, 1, 0, nullptr);
-        EXPECT_EQ(g_events.size(), p.hit ? 1u : 0u) << p.x << "," << p.y;
-    }
-}
-
-TEST_F(InputTest, TheButtonOfEachEventChoosesTheHandler) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w");
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 1, nullptr), 0);
-    Frame(2, 2);
-    EXPECT_EQ(TVPMMouseClickHook(3, 3, 0, 0, nullptr), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"w:R1", "w:R2", "w:L3@3,3"}));
-}
-
-TEST_F(InputTest, MissingHandlersAndHiddenWindowsDoNotTakeClicks) {
-    TVPMWindowID hidden = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "hidden");
-    rig.As("alpha.tvp", [&] { TVPMSetWindowIsVisible(hidden, 0); });
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "left-only", LeftClick, nullptr);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 1, nullptr), 1);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 2, nullptr), 1);  // no such button
-    EXPECT_TRUE(g_events.empty());
-}
-
-TEST_F(InputTest, EveryFrameTheCapturingWindowGetsADragAtTheCurrentMousePosition) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w");
-    Frame(7, 8);
-    EXPECT_TRUE(g_events.empty());
-    TVPMMouseClickHook(1, 1, 1, 0, nullptr);
-    Frame(7, 8);
-    Frame(7, 8);
-    TVPMMouseClickHook(1, 1, 0, 0, nullptr);
-    Frame(7, 8);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"w:L1@1,1", "w:L2@7,8", "w:L2@7,8", "w:L3@1,1"}));
-    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocationGlobal_f"), 0u);
-}
-
-TEST_F(InputTest, SimulatorWindowsTakeEventsOnlyFromTheirOwnSurface) {
-    TVPMWindowID gui = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "gui", LeftClick, RightClick,
-                                  nullptr, nullptr, 88);
-    int elsewhere = 0;
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 1);      // main surface
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, &elsewhere), 1);   // another window's surface
-    EXPECT_EQ(TVPMMouseClickHook(500, 500, 1, 0, gui), 0);      // its own: no hit test
-    Frame(900, 901, gui);
-    Frame(3, 3);  // the main surface's frame: the drag belongs elsewhere
-    EXPECT_EQ(TVPMMouseClickHook(3, 3, 0, 0, nullptr), 1);  // ... and the up ends the capture
-    EXPECT_EQ(TVPMMouseClickHook(4, 4, 0, 0, gui), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"gui:L1@500,500", "gui:L2@900,901"}));
-    // Its drags follow the mouse in global coordinates.
-    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocationGlobal_f"), 2u);
-    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocation_f"), 0u);
-}
-
-TEST_F(InputTest, DisablingTheOwnerOfACapturingSimulatorWindowEndsTheCapture) {
-    TVPMWindowID gui = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "gui", LeftClick, RightClick,
-                                  nullptr, nullptr, 88);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 1, gui), 0);
-    rig.host.ClearCalls();
-    TVPMDisablePlugin(rig.Id("alpha.tvp"));
-    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocationGlobal_f"), 1u);
-    EXPECT_EQ(rig.host.Count("TVPMGetMouseLocation_f"), 0u);
-    TVPMEnablePlugin(rig.Id("alpha.tvp"));
-    Frame(5, 5, gui);
-    EXPECT_EQ(TVPMMouseClickHook(5, 5, 0, 1, gui), 1);
-    // The mouse-up made up at the disable belongs to the main surface, which
-    // this window does not take events from.
-    EXPECT_EQ(g_events, (std::vector<std::string>{"gui:R1"}));
-}
-
-TEST_F(InputTest, DestroyingTheCapturingWindowSendsTheMouseUpToTheSimulator) {
-    TVPMWindowID w = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w");
-    TVPMMouseClickHook(1, 1, 1, 0, nullptr);
-    rig.As("alpha.tvp", [&] { TVPMDestroyWindow(w); });
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 0, 0, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"w:L1@1,1"}));
-}
-
-TEST_F(InputTest, DisabledPluginsWindowsLetEventsThrough) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "back");
-    MakeWindow(rig, "beta.tvp", 0, 100, 100, 0, "front");
-    TVPMDisablePlugin(rig.Id("beta.tvp"));
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"back:L1@1,1"}));
-}
-
-namespace {
-int DestroyOwnWindowAndConsume(TVPMWindowID self, int, int, TVPMMouseStatus s, void*) {
-    g_events.push_back("destroy" + std::to_string(s));
-    TVPMDestroyWindow(self);
+int DestroySelfOnDrag(TVPMWindowID self, int, int, TVPMMouseStatus s, void* r) {
+    Note(r, "handler" + std::to_string(s));
+    if (s == tvpm_MouseDrag) TVPMDestroyWindow(self);
     return 1;
 }
-TVPMWindowID g_back = nullptr;
-int RaiseBackAndRefuse(TVPMWindowID, int, int, TVPMMouseStatus, void* refcon) {
-    g_events.push_back(Label(refcon));
-    TVPMBringWindowToFront(g_back);
-    return 0;
+int RaiseBackMostAndRefuse(TVPMWindowID, int, int, TVPMMouseStatus, void* r) {
+    return Note(r, "raise"), TVPMBringWindowToFront(g_windows[0]), 0;
 }
-int DisableOwnPluginOnUp(TVPMWindowID, int, int, TVPMMouseStatus s, void*) {
-    g_events.push_back("up-handler" + std::to_string(s));
+int DisableOwnPluginOnUp(TVPMWindowID, int, int, TVPMMouseStatus s, void* r) {
+    Note(r, "handler" + std::to_string(s));
     if (s == tvpm_MouseUp) TVPMDisablePlugin(TVPMGetMyID());
     return 1;
 }
-}  // namespace
-
-TEST_F(InputTest, HandlerDestroyingItsOwnWindowConsumesWithoutCapture) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "back");
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "self", DestroyOwnWindowAndConsume);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 0);
-    Frame(1, 1);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"destroy1", "back:L1@1,1"}));
+int TakeFocusOnMouseUp(TVPMWindowID self, int, int, TVPMMouseStatus s, void*) {
+    if (s == tvpm_MouseUp) TVPMTakeKeyboardFocus(self);
+    return 1;
 }
-
-TEST_F(InputTest, ReorderingDuringTheHitTestAsksEveryWindowOnce) {
-    g_back = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "back", Refuse);
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "middle", RaiseBackAndRefuse);
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "front", RaiseBackAndRefuse);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"front", "middle", "back:refused1"}));
-}
-
-TEST_F(InputTest, MouseUpHandlerDisablingItsOwnPluginGetsOneMouseUp) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w", DisableOwnPluginOnUp);
-    TVPMMouseClickHook(1, 1, 1, 0, nullptr);
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 0, 0, nullptr), 0);
-    EXPECT_EQ(TVPMIsPluginEnabled(rig.Id("alpha.tvp")), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"up-handler1", "up-handler3"}));
-}
-
-// ---- Cursor and wheel ----------------------------------------------------------------------
-
-namespace {
-TVPMCursorStatus DefaultCursor(TVPMWindowID, int, int, void*) {
-    g_events.push_back("default-cursor");
-    return tvpm_CursorDefault;
-}
-TVPMCursorStatus TextCursor(TVPMWindowID, int, int, void*) {
-    g_events.push_back("text-cursor");
-    return tvpm_CursorText;
-}
-int Wheel(TVPMWindowID, int x, int y, int wheel, int clicks, void* refcon) {
-    g_events.push_back(Label(refcon) + ":wheel" + std::to_string(x) + "," + std::to_string(y) + "," +
-                       std::to_string(wheel) + "," + std::to_string(clicks));
-    return g_consume;
-}
-}  // namespace
-
-TEST_F(InputTest, CursorComesFromTheFirstWindowThatCares) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "far", LeftClick, RightClick, DefaultCursor);
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "back", LeftClick, RightClick, TextCursor);
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "front", LeftClick, RightClick, DefaultCursor);
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "no-handler");
-    EXPECT_EQ(TVPMCursorHook(5, 5, nullptr), tvpm_CursorText);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"default-cursor", "text-cursor"}));
-    EXPECT_EQ(TVPMCursorHook(500, 5, nullptr), tvpm_CursorDefault);
-}
-
-TEST_F(InputTest, WheelIsConsumedByTheFirstWindowThatWantsIt) {
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "back", LeftClick, RightClick, nullptr, Wheel);
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "front", LeftClick, RightClick, nullptr, Wheel);
-    EXPECT_EQ(TVPMScrollWheelHook(3, 4, 1, -2, nullptr), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"front:wheel3,4,1,-2"}));
-    g_events.clear();
-    g_consume = 0;
-    EXPECT_EQ(TVPMScrollWheelHook(3, 4, 0, 1, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"front:wheel3,4,0,1", "back:wheel3,4,0,1"}));
-}
-
-// ---- Keys ---------------------------------------------------------------------------------
-
-namespace {
+void Key(TVPMWindowID, char key, TVPMKeyFlags, char, void* r, int losing) { Note(r, "key" + std::to_string(key) + (losing ? ":losing" : "")); }
+TVPMCursorStatus Cursor(TVPMWindowID, int, int, void* r) { return Note(r, "cursor"), Label(r) == "text" ? tvpm_CursorText : tvpm_CursorDefault; }
+int Wheel(TVPMWindowID, int x, int y, int wheel, int clicks, void* r) { return Note(r, "wheel" + At(wheel, x, y) + "," + std::to_string(clicks)), g_consume; }
 int g_snifferAnswer = 1;
-int Sniff(char key, TVPMKeyFlags flags, char vkey, void* refcon) {
-    g_events.push_back(Label(refcon) + ":sniff" + std::to_string(key) + "," +
-                       std::to_string(flags) + "," + std::to_string(vkey));
-    return g_snifferAnswer;
+int Sniff(char key, TVPMKeyFlags flags, char vkey, void* r) {
+    return Note(r, "sniff" + std::to_string(key) + "," + std::to_string(flags) + "," + std::to_string(vkey)), g_snifferAnswer;
 }
-void HotKey(void* refcon) { g_events.push_back(Label(refcon) + ":hotkey"); }
+void HotKey(void* r) { Note(r, "hotkey"); }
+const char kVictim[] = "victim";
+const char* const kKillers[] = {"k0", "k1"};  // by the timing of the victim they unregister
+int UnregisterVictim(char, TVPMKeyFlags, char, void* r) {
+    return Note(r, "killer"), TVPMUnregisterKeySniffer(Sniff, r == kKillers[1] ? 1 : 0, (void*)kVictim), 1;
+}
+TVPMHotKeyID g_selfKey = nullptr;
+void UnregisterOwnHotKey(void* r) {
+    Note(r, "self");
+    TVPMUnregisterHotKey(g_selfKey);
+    TVPMRegisterHotKey(TVPM_VK_F7, 0, "again", HotKey, (void*)"again");
+}
+
+struct WindowSpec {
+    const char* label;
+    TVPMHandleMouseClick_f left = LeftClick;
+    TVPMHandleMouseClick_f right = RightClick;
+    const char* plugin = "alpha.tvp";
+    int l = 0, t = 100, r = 100, b = 0;
+    int structSize = TVPM_CREATE_WINDOW_SIZE_PLAIN;
+    int visible = 1;
+    TVPMHandleCursor_f cursor = nullptr;
+    TVPMHandleMouseWheel_f wheel = nullptr;
+};
+
+TVPMWindowID MakeWindow(DisplayRig& rig, const WindowSpec& s) {
+    TVPMCreateWindow_t p{s.structSize, s.l, s.t, s.r, s.b, s.visible, nullptr, s.left, Key, s.cursor, s.wheel, (void*)s.label,
+                         0, 0, s.right};
+    TVPMWindowID id = nullptr;
+    rig.As(s.plugin, [&] { id = TVPMCreateWindowEx(&p); });
+    g_windows.push_back(id);
+    return id;
+}
 
 // Sends one key event through the phases as the simulator does; returns the
 // phase that consumed it, or 3 when none did.
@@ -291,10 +92,120 @@ int PressKey(char key, TVPMKeyFlags flags, char vkey, void* fixed = nullptr) {
         if (TVPMKeyPressHook(key, flags, vkey, phase, fixed) == 0) return phase;
     return 3;
 }
+
+class InputTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        g_events.clear();
+        g_windows.clear();
+        g_consume = 1;
+        // Drags follow the mouse; global coordinates are told apart by 1000.
+        rig.host.On<&TVPMHooks::TVPMGetMouseLocation_f>([](int* x, int* y, int) { *x = s_x, *y = s_y; });
+        rig.host.On<&TVPMHooks::TVPMGetMouseLocationGlobal_f>([](int* x, int* y, int) { *x = s_x + 1000, *y = s_y; });
+    }
+    TVPMWindowID Make(const WindowSpec& s) { return MakeWindow(rig, s); }
+    static inline int s_x = 0, s_y = 0;
+    DisplayRig rig{{"alpha.tvp", "beta.tvp"}};
+};
+
+// One step of a mouse scenario: what the simulator (or a plugin) does, and,
+// for a mouse event, its answer (1: not consumed).
+enum Op { kDown, kUp, kFrame, kDisable, kEnable, kFocusKey };
+enum Surface { kMain, kOwn, kOther };  // which surface the event comes from
+struct Step {
+    Op op;
+    int x = 0, y = 0, button = 0;
+    Surface surface = kMain;
+    int answer = 0;
+};
+struct MouseCase {
+    const char* name;
+    std::vector<WindowSpec> windows;  // the last one is the surface of kOwn
+    std::vector<Step> steps;
+    Log events;
+};
+
+const MouseCase kMouseCases[] = {
+    {"ClickFallsThroughARefusingWindowAndTheTakerHoldsTheMouseWithTheButtonOfEachEvent",
+     {{"back"}, {"front", Refuse, Refuse, "beta.tvp", 50, 150, 150, 50}},
+     {{kFrame, 9, 9}, {kDown, 60, 60, 1, kMain, 0}, {kFrame, 500, 500}, {kFrame, 500, 500},
+      {kUp, 120, 120, 0, kMain, 0}, {kFrame, 60, 60}, {kUp, 60, 60, 0, kMain, 1}},
+     {"front:refused1@60,60", "back:R1@60,60", "back:R2@500,500", "back:R2@500,500", "back:L3@120,120"}},
+    {"LeftAndBottomEdgesAreInsideRightAndTopEdgesOutside", {{"w", Refuse, Refuse, "alpha.tvp", 10, 20, 30, 5}},
+     {{kDown, 10, 5, 0, kMain, 1}, {kDown, 29, 19, 0, kMain, 1}, {kDown, 30, 10, 0, kMain, 1},
+      {kDown, 15, 20, 0, kMain, 1}, {kDown, 9, 10, 0, kMain, 1}, {kDown, 15, 4, 0, kMain, 1}},
+     {"w:refused1@10,5", "w:refused1@29,19"}},
+    {"MissingHandlersHiddenWindowsAndDisabledPluginsTakeNoClicks",
+     {{"hidden", LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, 72, 0},
+      {"left-only", LeftClick, nullptr}, {"disabled", LeftClick, RightClick, "beta.tvp"}},
+     {{kDisable}, {kDown, 1, 1, 1, kMain, 1}, {kDown, 1, 1, 2, kMain, 1}, {kDown, 1, 1, 0, kMain, 0}, {kUp, 1, 1, 0, kMain, 0}},
+     {"left-only:L1@1,1", "left-only:L3@1,1"}},
+    {"SimulatorWindowsTakeEventsOnlyFromTheirOwnSurfaceAndDragGlobally", {{"gui", LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, 88}},
+     {{kDown, 1, 1, 0, kMain, 1}, {kDown, 1, 1, 0, kOther, 1}, {kDown, 500, 500, 0, kOwn, 0},
+      {kFrame, 9, 1, 0, kOwn}, {kFrame, 3, 3}, {kUp, 3, 3, 0, kMain, 1}, {kUp, 4, 4, 0, kOwn, 1}},
+     {"gui:L1@500,500", "gui:L2@1009,1"}},
+    {"DisablingTheOwnerOfACapturingSimulatorWindowEndsTheCapture", {{"gui", LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, 88}},
+     {{kDown, 1, 1, 1, kOwn, 0}, {kDisable}, {kEnable}, {kFrame, 5, 5, 0, kOwn}, {kUp, 5, 5, 1, kOwn, 1}}, {"gui:R1@1,1"}},
+    {"HandlerDestroyingItsOwnWindowConsumesWithoutCapture", {{"back"}, {"self", DestroySelfAndConsume}},
+     {{kDown, 1, 1, 0, kMain, 0}, {kFrame, 1, 1}, {kDown, 1, 1, 0, kMain, 0}}, {"self:destroy1", "back:L1@1,1"}},
+    {"ReorderingDuringTheHitTestAsksEveryWindowOnce",
+     {{"back", Refuse}, {"middle", RaiseBackMostAndRefuse}, {"front", RaiseBackMostAndRefuse}},
+     {{kDown, 1, 1, 0, kMain, 1}}, {"front:raise", "middle:raise", "back:refused1@1,1"}},
+    {"MouseUpHandlerDisablingItsOwnPluginGetsOneMouseUp", {{"w", DisableOwnPluginOnUp}},
+     {{kDown, 1, 1, 0, kMain, 0}, {kUp, 1, 1, 0, kMain, 0}, {kEnable}}, {"w:handler1", "w:handler3"}},
+    {"WindowDestroyedWhileHoldingMouseAndKeyboardReleasesBoth", {{"w", DestroySelfOnDrag}},
+     {{kFocusKey}, {kDown, 1, 1, 0, kMain, 0}, {kFrame, 2, 2}, {kFrame, 3, 3}, {kUp, 3, 3, 0, kMain, 1}},
+     {"w:handler1", "w:handler2", "w:key0:losing"}},
+};
+
+void PrintTo(const MouseCase& c, std::ostream* os) { *os << c.name; }
+
+class MouseRouting : public InputTest, public ::testing::WithParamInterface<MouseCase> {};
+
 }  // namespace
 
+TEST_P(MouseRouting, DeliversTheEventsAndAnswers) {
+    for (const WindowSpec& w : GetParam().windows) Make(w);
+    TVPMWindowID own = g_windows.back();
+    const char* owner = GetParam().windows.back().plugin;
+    int elsewhere = 0;
+    for (const Step& s : GetParam().steps) {
+        void* surface = s.surface == kOwn ? own : s.surface == kOther ? &elsewhere : nullptr;
+        s_x = s.x, s_y = s.y;
+        switch (s.op) {
+            case kDown:
+            case kUp: EXPECT_EQ(TVPMMouseClickHook(s.x, s.y, s.op == kDown, s.button, surface), s.answer) << s.x << "," << s.y; break;
+            case kFrame: TVPMDoDrawingHook(21, 0, surface); break;
+            case kDisable: TVPMDisablePlugin(rig.Id(owner)); break;
+            case kEnable: TVPMEnablePlugin(rig.Id(owner)); break;
+            case kFocusKey: rig.As(owner, [&] { TVPMTakeKeyboardFocus(own); }); break;
+        }
+    }
+    EXPECT_EQ(PressKey('q', 0, TVPM_VK_Q), 3);  // nobody kept the keyboard focus
+    EXPECT_EQ(g_events, GetParam().events);
+}
+
+INSTANTIATE_TEST_SUITE_P(Display, MouseRouting, ::testing::ValuesIn(kMouseCases),
+                         [](const ::testing::TestParamInfo<MouseCase>& info) { return info.param.name; });
+
+// ---- Cursor and wheel ----------------------------------------------------------------------
+
+TEST_F(InputTest, CursorAndWheelGoToTheFirstWindowThatCares) {
+    for (const char* label : {"far", "text", "front"}) Make({label, LeftClick, RightClick, "alpha.tvp", 0, 100, 100, 0, 72, 1, Cursor, Wheel});
+    Make({"no-handler"});
+    EXPECT_EQ(TVPMCursorHook(5, 5, nullptr), tvpm_CursorText);
+    EXPECT_EQ(TVPMCursorHook(500, 5, nullptr), tvpm_CursorDefault);
+    EXPECT_EQ(TVPMScrollWheelHook(3, 4, 1, -2, nullptr), 0);
+    g_consume = 0;
+    EXPECT_EQ(TVPMScrollWheelHook(3, 4, 0, 1, nullptr), 1);
+    EXPECT_EQ(g_events, (Log{"front:cursor", "text:cursor", "front:wheel1@3,4,-2", "front:wheel0@3,4,1",
+                             "text:wheel0@3,4,1", "far:wheel0@3,4,1"}));
+}
+
+// ---- Keys ---------------------------------------------------------------------------------
+
 TEST_F(InputTest, KeysGoToBeforeSniffersHotKeysFocusWindowAndAfterSniffersInTurn) {
-    TVPMWindowID w = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "win");
+    TVPMWindowID w = Make({"win"});
     rig.As("alpha.tvp", [] {
         TVPMRegisterKeySniffer(Sniff, 1, (void*)"before");
         TVPMRegisterKeySniffer(Sniff, 0, (void*)"after");
@@ -302,221 +213,98 @@ TEST_F(InputTest, KeysGoToBeforeSniffersHotKeysFocusWindowAndAfterSniffersInTurn
     });
     EXPECT_EQ(PressKey('a', 0, TVPM_VK_A), 3);
     EXPECT_EQ(PressKey(0, tvpm_ControlFlag, TVPM_VK_F1), 0);
+    EXPECT_EQ(PressKey(0, 0, 0), 3);  // an empty key reaches nobody
+    EXPECT_EQ(TVPMKeyPressHook('a', 0, TVPM_VK_A, 3, nullptr) + TVPMKeyPressHook('a', 0, TVPM_VK_A, -1, nullptr), 2);
     rig.As("alpha.tvp", [&] { TVPMTakeKeyboardFocus(w); });
     EXPECT_EQ(PressKey('b', tvpm_ShiftFlag, TVPM_VK_B), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{
-                            "before:sniff97,0,65", "after:sniff97,0,65",
-                            "before:sniff0,4,112", "F1:hotkey",
-                            "before:sniff98,1,66", "win:key98"}));
-}
-
-TEST_F(InputTest, FocusedWindowConsumesKeysEvenWithoutAKeyCallback) {
-    rig.As("alpha.tvp", [] {
-        TVPMWindowID mute = TVPMCreateWindow(0, 10, 10, 0, 1, nullptr, nullptr, nullptr, nullptr);
-        TVPMRegisterKeySniffer(Sniff, 0, (void*)"after");
-        TVPMTakeKeyboardFocus(mute);
-    });
-    EXPECT_EQ(PressKey('m', 0, TVPM_VK_M), 1);
-    EXPECT_TRUE(g_events.empty());
-}
-
-TEST_F(InputTest, BeforeSnifferConsumingTheKeyHidesItFromEveryoneElse) {
-    TVPMWindowID w = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "win");
-    rig.As("alpha.tvp", [&] {
-        TVPMRegisterKeySniffer(Sniff, 1, (void*)"older");
-        TVPMRegisterKeySniffer(Sniff, 1, (void*)"newer");
-        TVPMTakeKeyboardFocus(w);
-    });
-    g_snifferAnswer = 0;
+    g_snifferAnswer = 0;  // a consuming before sniffer hides the key from everyone else
+    rig.As("alpha.tvp", [] { TVPMRegisterKeySniffer(Sniff, 1, (void*)"newer"); });
     EXPECT_EQ(PressKey('x', 0, TVPM_VK_X), 0);
     g_snifferAnswer = 1;
-    EXPECT_EQ(g_events, (std::vector<std::string>{"newer:sniff120,0,88"}));
+    EXPECT_EQ(g_events, (Log{"before:sniff97,0,65", "after:sniff97,0,65", "before:sniff0,4,112", "F1:hotkey",
+                             "before:sniff98,1,66", "win:key98", "newer:sniff120,0,88"}));
 }
 
-TEST_F(InputTest, EmptyKeyReachesNobody) {
-    rig.As("alpha.tvp", [] {
-        TVPMRegisterKeySniffer(Sniff, 1, (void*)"s");
-        TVPMRegisterHotKey(0, 0, "nothing", HotKey, (void*)"h");
-    });
-    EXPECT_EQ(PressKey(0, 0, 0), 3);
-    EXPECT_EQ(TVPMKeyPressHook('a', 0, TVPM_VK_A, 3, nullptr), 1);
-    EXPECT_EQ(TVPMKeyPressHook('a', 0, TVPM_VK_A, -1, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{}));
-}
-
-TEST_F(InputTest, FocusChangesAreSeenByKeyCallbacks) {
-    TVPMWindowID a = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "a");
-    TVPMWindowID b = MakeWindow(rig, "beta.tvp", 0, 100, 100, 0, "b");
+TEST_F(InputTest, FocusWindowConsumesKeysFromItsSurfaceWhileItsPluginIsEnabled) {
+    TVPMWindowID a = Make({"a"}), b = Make({"b", LeftClick, RightClick, "beta.tvp"});
+    TVPMWindowID mute = rig.Window("alpha.tvp", 0, 10, 10, 0);  // no key callback
+    rig.As("alpha.tvp", [&] { TVPMRegisterKeySniffer(Sniff, 0, (void*)"after"), TVPMTakeKeyboardFocus(mute); });
+    EXPECT_EQ(PressKey('m', 0, TVPM_VK_M), 1);
     rig.As("alpha.tvp", [&] { TVPMTakeKeyboardFocus(a); });
     PressKey('1', 0, TVPM_VK_1);
     rig.As("beta.tvp", [&] { TVPMTakeKeyboardFocus(b); });
-    PressKey('2', 0, TVPM_VK_2);
     int other = 0;
     EXPECT_EQ(TVPMKeyPressHook('3', 0, TVPM_VK_3, 1, &other), 1);  // another surface's key
     EXPECT_EQ(TVPMKeyPressHook('4', 0, TVPM_VK_4, 1, b), 0);
-    TVPMDisablePlugin(rig.Id("beta.tvp"));
-    EXPECT_EQ(TVPMKeyPressHook('5', 0, TVPM_VK_5, 1, nullptr), 1);  // focus went with the disable
-    EXPECT_EQ(g_events, (std::vector<std::string>{"a:key49", "a:key0:losing", "b:key50", "b:key52",
-                                                  "b:key0:losing"}));
-}
-
-namespace {
-int TakeFocusOnMouseUp(TVPMWindowID self, int, int, TVPMMouseStatus s, void*) {
-    if (s == tvpm_MouseUp) TVPMTakeKeyboardFocus(self);
-    return 1;
-}
-}  // namespace
-
-TEST_F(InputTest, FocusWindowOfADisabledPluginLetsTheKeyThrough) {
+    EXPECT_EQ(g_events, (Log{"a:key49", "a:key0:losing", "b:key52"}));
     // The mouse-up made up while the plugin is being disabled comes after its
     // focus was taken away, and the window takes the focus again.
-    MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w", TakeFocusOnMouseUp);
+    g_events.clear();
+    Make({"w", TakeFocusOnMouseUp});
     EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 0);
     TVPMDisablePlugin(rig.Id("alpha.tvp"));
     EXPECT_EQ(TVPMKeyPressHook('z', 0, TVPM_VK_Z, 1, nullptr), 1);
     TVPMEnablePlugin(rig.Id("alpha.tvp"));
     EXPECT_EQ(TVPMKeyPressHook('z', 0, TVPM_VK_Z, 1, nullptr), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"w:key122"}));
+    EXPECT_EQ(g_events, (Log{"b:key0:losing", "w:key122"}));
 }
 
-namespace {
-int UnregisterVictim(char, TVPMKeyFlags, char, void* refcon) {
-    g_events.push_back(Label(refcon));
-    TVPMUnregisterKeySniffer(Sniff, 0, (void*)"victim");
-    TVPMUnregisterKeySniffer(Sniff, 1, (void*)"victim");
-    return 1;
-}
-}  // namespace
-
-TEST_F(InputTest, AfterWindowsSniffersUnregisteredDuringTheWalkAreStillAsked) {
+TEST_F(InputTest, SniffersUnregisteredDuringTheWalkAreAskedAfterWindowsOnly) {
     rig.As("alpha.tvp", [] {
-        TVPMRegisterKeySniffer(Sniff, 0, (void*)"victim");
-        TVPMRegisterKeySniffer(UnregisterVictim, 0, (void*)"killer");
-    });
-    EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 2, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"killer", "victim:sniff107,0,75"}));
-    g_events.clear();
-    EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 2, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"killer"}));
-}
-
-TEST_F(InputTest, BeforeWindowsSniffersUnregisteredDuringTheWalkAreSkipped) {
-    rig.As("alpha.tvp", [] {
-        TVPMRegisterKeySniffer(Sniff, 1, (void*)"victim");
-        TVPMRegisterKeySniffer(UnregisterVictim, 1, (void*)"killer");
+        for (int before : {0, 1}) {
+            EXPECT_EQ(TVPMRegisterKeySniffer(Sniff, before, (void*)kVictim), 1);
+            EXPECT_EQ(TVPMRegisterKeySniffer(Sniff, before, (void*)kVictim), 0);
+            EXPECT_EQ(TVPMRegisterKeySniffer(UnregisterVictim, before, (void*)kKillers[before]), 1);
+        }
+        EXPECT_EQ(TVPMRegisterKeySniffer(nullptr, 0, nullptr), 0);
     });
     EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 0, nullptr), 1);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"killer"}));
-}
-
-TEST_F(InputTest, SniffersAreUniquePerCallbackTimingAndRefcon) {
+    EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 2, nullptr), 1);
+    EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 2, nullptr), 1);
+    EXPECT_EQ(g_events, (Log{"k1:killer", "k0:killer", "victim:sniff107,0,75", "k0:killer"}));
     rig.As("alpha.tvp", [] {
-        EXPECT_EQ(TVPMRegisterKeySniffer(Sniff, 1, (void*)"s"), 1);
-        EXPECT_EQ(TVPMRegisterKeySniffer(Sniff, 1, (void*)"s"), 0);
-        EXPECT_EQ(TVPMRegisterKeySniffer(Sniff, 0, (void*)"s"), 1);
-        EXPECT_EQ(TVPMRegisterKeySniffer(nullptr, 0, nullptr), 0);
-        EXPECT_EQ(TVPMUnregisterKeySniffer(Sniff, 1, (void*)"t"), 0);
-        EXPECT_EQ(TVPMUnregisterKeySniffer(Sniff, 1, (void*)"s"), 1);
-        EXPECT_EQ(TVPMUnregisterKeySniffer(Sniff, 1, (void*)"s"), 0);
+        EXPECT_EQ(TVPMUnregisterKeySniffer(UnregisterVictim, 1, (void*)kKillers[0]), 0);
+        EXPECT_EQ(TVPMUnregisterKeySniffer(UnregisterVictim, 1, (void*)kKillers[1]), 1);
+        EXPECT_EQ(TVPMUnregisterKeySniffer(UnregisterVictim, 1, (void*)kKillers[1]), 0);
+        EXPECT_EQ(TVPMRegisterKeySniffer(Sniff, 1, (void*)kVictim), 1);
     });
 }
 
 // ---- Hot keys -----------------------------------------------------------------------------
 
-TEST_F(InputTest, NewestHotKeyWinsAndTheOlderOneFiresOnceItIsGone) {
+TEST_F(InputTest, NewestMatchingHotKeyFiresAndAnyPluginMayListAndRebindIt) {
     TVPMHotKeyID older = nullptr, newer = nullptr;
-    rig.As("alpha.tvp", [&] { older = TVPMRegisterHotKey(TVPM_VK_F5, 0, "a", HotKey, (void*)"alpha"); });
-    rig.As("beta.tvp", [&] { newer = TVPMRegisterHotKey(TVPM_VK_F5, 0, "b", HotKey, (void*)"beta"); });
-    EXPECT_EQ(TVPMGetNthHotKey(0), newer);
-    EXPECT_EQ(TVPMGetNthHotKey(1), older);
-    EXPECT_EQ(TVPMGetNthHotKey(2), nullptr);
-    EXPECT_EQ(TVPMGetNthHotKey(-1), nullptr);
-    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F5), 0);
-    TVPMDisablePlugin(rig.Id("beta.tvp"));
-    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F5), 0);
-    TVPMEnablePlugin(rig.Id("beta.tvp"));
-    rig.As("alpha.tvp", [&] { TVPMUnregisterHotKey(newer); });  // anyone's hot key
-    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F5), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"beta:hotkey", "alpha:hotkey", "alpha:hotkey"}));
-    EXPECT_EQ(TVPMCountHotKeys(), 1);
-}
-
-TEST_F(InputTest, HotKeyFlagsMustMatchExactly) {
-    rig.As("alpha.tvp", [] {
-        TVPMRegisterHotKey(TVPM_VK_S, tvpm_ControlFlag | tvpm_ShiftFlag, "save", HotKey, (void*)"s");
+    const std::string description(600, 'd');
+    rig.As("alpha.tvp", [&] {
+        older = TVPMRegisterHotKey(TVPM_VK_F5, tvpm_ControlFlag, description.c_str(), HotKey, (void*)"alpha");
+        g_selfKey = TVPMRegisterHotKey(TVPM_VK_F7, 0, "once", UnregisterOwnHotKey, (void*)"f7");
     });
-    EXPECT_EQ(PressKey('s', tvpm_ControlFlag, TVPM_VK_S), 3);
-    EXPECT_EQ(PressKey('s', tvpm_ControlFlag | tvpm_ShiftFlag | tvpm_OptionAltFlag, TVPM_VK_S), 3);
-    EXPECT_EQ(PressKey('x', tvpm_ControlFlag | tvpm_ShiftFlag, TVPM_VK_S), 0);  // char plays no part
-    EXPECT_EQ(g_events, (std::vector<std::string>{"s:hotkey"}));
-}
-
-TEST_F(InputTest, AnyPluginMayListAndRebindEveryHotKey) {
-    TVPMHotKeyID id = nullptr;
-    rig.As("alpha.tvp", [&] { id = TVPMRegisterHotKey(TVPM_VK_F1, 0, "alpha help", HotKey, (void*)"a"); });
+    rig.As("beta.tvp", [&] { newer = TVPMRegisterHotKey(TVPM_VK_F5, tvpm_ControlFlag, "b", HotKey, (void*)"beta"); });
+    EXPECT_EQ((std::vector<TVPMHotKeyID>{TVPMGetNthHotKey(-1), TVPMGetNthHotKey(0), TVPMGetNthHotKey(2), TVPMGetNthHotKey(3)}),
+              (std::vector<TVPMHotKeyID>{nullptr, newer, older, nullptr}));
+    EXPECT_EQ(PressKey(0, tvpm_ControlFlag, TVPM_VK_F5), 0);
+    EXPECT_EQ(PressKey(0, tvpm_ControlFlag | tvpm_ShiftFlag, TVPM_VK_F5), 3);  // flags must match exactly
+    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F5), 3);
+    TVPMDisablePlugin(rig.Id("beta.tvp"));
+    EXPECT_EQ(PressKey('x', tvpm_ControlFlag, TVPM_VK_F5), 0);  // the character plays no part
+    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F7), 0);  // unregisters itself and registers another
+    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F7), 0);
+    TVPMEnablePlugin(rig.Id("beta.tvp"));
+    rig.As("alpha.tvp", [&] { TVPMUnregisterHotKey(newer); });  // another plugin's
     rig.As("beta.tvp", [&] {
-        ASSERT_EQ(TVPMCountHotKeys(), 1);
+        EXPECT_EQ(TVPMCountHotKeys(), 2);
         char vkey = 0;
         TVPMKeyFlags flags = -1;
-        char description[512] = "";
+        std::vector<char> text(600, 'x');  // the description comes back cut to 511 characters
         TVPMPluginID owner = -5;
-        TVPMGetHotKeyInfo(TVPMGetNthHotKey(0), &vkey, &flags, description, &owner);
-        EXPECT_EQ(vkey, TVPM_VK_F1);
-        EXPECT_EQ(flags, 0);
-        EXPECT_STREQ(description, "alpha help");
-        EXPECT_EQ(owner, rig.Id("alpha.tvp"));
-        TVPMGetHotKeyInfo(id, nullptr, nullptr, nullptr, nullptr);
-        TVPMSetHotKeyCombination(id, TVPM_VK_F2, tvpm_OptionAltFlag);
-        TVPMSetHotKeyCombination((void*)description, TVPM_VK_F3, 0);  // unknown: ignored
+        TVPMGetHotKeyInfo(older, &vkey, &flags, text.data(), &owner);
+        EXPECT_EQ(std::make_tuple(vkey, flags, std::string(text.data()), text[512], owner),
+                  std::make_tuple(char(TVPM_VK_F5), TVPMKeyFlags(tvpm_ControlFlag), description.substr(0, 511), 'x', rig.Id("alpha.tvp")));
+        TVPMGetHotKeyInfo(older, nullptr, nullptr, nullptr, nullptr);
+        TVPMSetHotKeyCombination(older, TVPM_VK_F2, tvpm_OptionAltFlag);
+        TVPMSetHotKeyCombination(text.data(), TVPM_VK_F3, 0);  // unknown: ignored
     });
-    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F1), 3);
+    EXPECT_EQ(PressKey(0, tvpm_ControlFlag, TVPM_VK_F5), 3);
     EXPECT_EQ(PressKey(0, tvpm_OptionAltFlag, TVPM_VK_F2), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"a:hotkey"}));
-}
-
-TEST_F(InputTest, LongHotKeyDescriptionsComeBackCutTo511Characters) {
-    const std::string text(600, 'd');
-    TVPMHotKeyID id = nullptr;
-    rig.As("alpha.tvp", [&] { id = TVPMRegisterHotKey(TVPM_VK_F9, 0, text.c_str(), HotKey, nullptr); });
-    std::vector<char> out(600, 'x');
-    TVPMGetHotKeyInfo(id, nullptr, nullptr, out.data(), nullptr);
-    EXPECT_EQ(std::string(out.data()), std::string(511, 'd'));
-    EXPECT_EQ(out[512], 'x');
-}
-
-namespace {
-TVPMHotKeyID g_selfKey = nullptr;
-void UnregisterOwnHotKey(void*) {
-    g_events.push_back("self");
-    TVPMUnregisterHotKey(g_selfKey);
-    TVPMRegisterHotKey(TVPM_VK_F7, 0, "again", HotKey, (void*)"again");
-}
-}  // namespace
-
-TEST_F(InputTest, HotKeyMayUnregisterItselfAndRegisterAnotherWhileFiring) {
-    rig.As("alpha.tvp", [] { g_selfKey = TVPMRegisterHotKey(TVPM_VK_F7, 0, "once", UnregisterOwnHotKey, nullptr); });
-    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F7), 0);
-    EXPECT_EQ(PressKey(0, 0, TVPM_VK_F7), 0);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"self", "again:hotkey"}));
-    EXPECT_EQ(TVPMCountHotKeys(), 1);
-}
-
-namespace {
-int DestroySelfOnDrag(TVPMWindowID self, int, int, TVPMMouseStatus s, void*) {
-    g_events.push_back("handler" + std::to_string(s));
-    if (s == tvpm_MouseDrag) TVPMDestroyWindow(self);
-    return 1;
-}
-}  // namespace
-
-TEST_F(InputTest, WindowDestroyedWhileHoldingMouseAndKeyboardReleasesBoth) {
-    TVPMWindowID w = MakeWindow(rig, "alpha.tvp", 0, 100, 100, 0, "w", DestroySelfOnDrag);
-    rig.As("alpha.tvp", [&] { TVPMTakeKeyboardFocus(w); });
-    EXPECT_EQ(TVPMMouseClickHook(1, 1, 1, 0, nullptr), 0);
-    Frame(2, 2);
-    Frame(3, 3);
-    EXPECT_EQ(TVPMMouseClickHook(3, 3, 0, 0, nullptr), 1);
-    EXPECT_EQ(PressKey('q', 0, TVPM_VK_Q), 3);
-    EXPECT_EQ(g_events, (std::vector<std::string>{"handler1", "handler2", "w:key0:losing"}));
-    rig.As("alpha.tvp", [] { EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1); });
+    EXPECT_EQ(g_events, (Log{"beta:hotkey", "alpha:hotkey", "f7:self", "again:hotkey", "alpha:hotkey"}));
 }

@@ -1,13 +1,8 @@
 // test_sdk.cpp: an installed copy of TVPM is a working plugin SDK: find_package(TVPM) and tvpm_add_plugin build a loadable plugin out of tree.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <set>
-#include <sstream>
 #include <string>
 
 #include "HostRunner.h"
@@ -24,52 +19,21 @@ std::string CacheValue(const std::string& key) {
     return "";
 }
 
-using Outcome = HostOutcome;
-Outcome Shell(const std::string& command) { return RunShell(command); }
-
 std::string Quote(const std::string& s) { return "'" + s + "'"; }
-
-std::set<std::string> DefinedDynamicSymbols(const std::string& library) {
-    std::set<std::string> out;
-    std::istringstream in(Shell("nm -D --defined-only " + Quote(library)).output);
-    for (std::string address, type, name; in >> address >> type >> name;) out.insert(name);
-    return out;
-}
-
-class SdkTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "tvpm-sdk-test-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        dir_ = pattern;
-        cmake_ = CacheValue("CMAKE_COMMAND");
-        ASSERT_FALSE(cmake_.empty());
-    }
-    void TearDown() override {
-        std::error_code ec;
-        fs::remove_all(dir_, ec);
-    }
-
-    Outcome CMake(const std::string& args) { return Shell(Quote(cmake_) + " " + args); }
-
-    std::string dir_, cmake_;
-};
+HostOutcome CMake(const std::string& args) { return RunShell(Quote(CacheValue("CMAKE_COMMAND")) + " " + args); }
 
 }  // namespace
 
-TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
-    const std::string prefix = dir_ + "/prefix";
-    Outcome o = CMake("--install " + Quote(BinaryDir()) + " --prefix " + Quote(prefix));
+TEST(Sdk, InstalledCopyBuildsAnExamplePluginOutOfTree) {
+    TempDir dir;
+    const std::string prefix = dir / "prefix";
+    HostOutcome o = CMake("--install " + Quote(BinaryDir()) + " --prefix " + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;
-    for (const char* file : {"lib/TVPM_64.so", "include/TVPM/TVPMDefs.h", "include/TVPM/TVPMPlugin.h",
-                             "include/TVPMHost/TVPMHost.h", "lib/cmake/TVPM/TVPMConfig.cmake",
-                             "lib/cmake/TVPM/TVPMConfigVersion.cmake", "lib/cmake/TVPM/TVPMPlugin.cmake",
-                             "lib/cmake/TVPM/TVPMTargets.cmake", "bin/tvpm-host"})
-        EXPECT_TRUE(fs::exists(prefix + "/" + file)) << file;
+    // Building and running below proves what was installed; the simulator's header stays apart.
     EXPECT_FALSE(fs::exists(prefix + "/include/TVPMHost.h"));
     EXPECT_FALSE(fs::exists(prefix + "/include/TVPM/TVPMHost.h"));
 
-    const std::string source = dir_ + "/src";
+    const std::string source = dir / "src";
     fs::create_directories(source);
     fs::copy_file(CacheValue("CMAKE_HOME_DIRECTORY") + "/examples/panel_clock.cpp", source + "/panel_clock.cpp");
     // A helper the author exported by mistake must stay hidden in the plugin.
@@ -87,7 +51,7 @@ TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
                                                  "target_sources(my_panel PRIVATE no_host.cpp)\n"
                                                  "add_library(host_side OBJECT host_side.cpp)\n"
                                                  "target_link_libraries(host_side PRIVATE TVPM::HostHeaders)\n";
-    const std::string build = dir_ + "/build";
+    const std::string build = dir / "build";
     o = CMake("-S " + Quote(source) + " -B " + Quote(build) + " -DCMAKE_PREFIX_PATH=" + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;
     o = CMake("--build " + Quote(build));
@@ -96,42 +60,13 @@ TEST_F(SdkTest, InstalledCopyBuildsAnExamplePluginOutOfTree) {
     // The fat layout the plugin manager loads, and nothing but the entry points exported.
     const std::string plugin = build + "/plugins/my_panel/lin_x64/my_panel.tvp";
     ASSERT_TRUE(fs::exists(plugin));
-    EXPECT_EQ(DefinedDynamicSymbols(plugin),
-              (std::set<std::string>{"TPluginDisable", "TPluginEnable", "TPluginReceiveMessage", "TPluginStart",
-                                     "TPluginStop"}));
-
+    EXPECT_EQ(RunShell("nm -D --defined-only --format=just-symbols " + Quote(plugin)).output,
+              "TPluginDisable\nTPluginEnable\nTPluginReceiveMessage\nTPluginStart\nTPluginStop\n");
     EXPECT_TRUE(fs::exists(build + "/loose/flat_panel.tvp"));
 
     // The installed headless simulator finds the installed library and passes the plugin.
-    o = Shell(Quote(prefix + "/bin/tvpm-host") + " --check --frames 5 --plugin " + Quote(build + "/plugins/my_panel"));
+    o = RunShell(Quote(prefix + "/bin/tvpm-host") + " --check --frames 5 --plugin " + Quote(build + "/plugins/my_panel"));
     EXPECT_EQ(o.status, 0) << o.output;
     EXPECT_NE(o.output.find("PASS"), std::string::npos) << o.output;
     EXPECT_NE(o.output.find(prefix + "/lib/TVPM_64.so"), std::string::npos) << o.output;
-}
-
-TEST_F(SdkTest, APluginWithoutSourcesIsAConfigureError) {
-    const std::string source = dir_ + "/src";
-    fs::create_directories(source);
-    std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
-                                                 "project(sdk_user CXX)\n"
-                                                 "include(" + CacheValue("CMAKE_HOME_DIRECTORY") +
-                                                     "/cmake/TVPMPlugin.cmake)\n"
-                                                     "tvpm_add_plugin(empty)\n";
-    const Outcome o = CMake("-S " + Quote(source) + " -B " + Quote(dir_ + "/build"));
-    EXPECT_NE(o.status, 0);
-    EXPECT_NE(o.output.find("tvpm_add_plugin(empty): no SOURCES given"), std::string::npos) << o.output;
-}
-
-TEST_F(SdkTest, AnUnknownLayoutIsAConfigureError) {
-    const std::string source = dir_ + "/src";
-    fs::create_directories(source);
-    std::ofstream(source + "/p.cpp") << "int x;\n";
-    std::ofstream(source + "/CMakeLists.txt") << "cmake_minimum_required(VERSION 3.16)\n"
-                                                 "project(sdk_user CXX)\n"
-                                                 "include(" + CacheValue("CMAKE_HOME_DIRECTORY") +
-                                                     "/cmake/TVPMPlugin.cmake)\n"
-                                                     "tvpm_add_plugin(p SOURCES p.cpp LAYOUT sideways)\n";
-    const Outcome o = CMake("-S " + Quote(source) + " -B " + Quote(dir_ + "/build"));
-    EXPECT_NE(o.status, 0);
-    EXPECT_NE(o.output.find("tvpm_add_plugin(p): LAYOUT must be fat or flat"), std::string::npos) << o.output;
 }

@@ -1,6 +1,7 @@
 // DisplayRig.h: a started simulator with scripted plugins, and a way to run test code as one of them.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
@@ -55,6 +56,17 @@ public:
         TVPMWindowID id = nullptr;
         As(key, [&] { id = TVPMCreateWindow(l, t, r, b, 1, draw, keyCb, mouse, refcon); });
         return id;
+    }
+
+    // The simulator calls to these slots (to all when empty), each as "slot arg arg ...".
+    std::vector<std::string> CallLines(const std::vector<std::string>& slots = {}) const {
+        std::vector<std::string> lines;
+        for (const HostCall& c : host.Calls()) {
+            if (!slots.empty() && std::find(slots.begin(), slots.end(), c.slot) == slots.end()) continue;
+            lines.push_back(c.slot);
+            for (const std::string& arg : c.args) lines.back() += " " + arg;
+        }
+        return lines;
     }
 
     FakeHost host;
