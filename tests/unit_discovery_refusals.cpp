@@ -39,8 +39,7 @@ void* const kDll = reinterpret_cast<void*>(0x5);
 
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;
-TVPMPluginID gDispatchedPlugin = 0;
-TVPMPluginID gClientPlugin = 0;
+TVPMCurrentPlugins gCurrentPlugins = {0, 0};
 TVPM_API int TVPMCountPlugins(void) { return static_cast<int>(gAllPlugins.size()); }
 TVPM_API TVPMPluginID TVPMFindPluginBySignature(const char* signature) {
     for (size_t i = 0; i < gAllPlugins.size(); ++i)

@@ -22,8 +22,7 @@ void TVPMReadDiagnosticsSwitch() {}
 char gDirSeparator[2] = {0, 0};
 pthread_t gPluginThread;
 TVPMPluginTable gAllPlugins;
-TVPMPluginID gDispatchedPlugin = 0;
-TVPMPluginID gClientPlugin = 0;
+TVPMCurrentPlugins gCurrentPlugins = {0, 0};
 TVPMPluginID gPendingWeatherUpdate = -1;
 const TVPMCodeOnStack* gCodeOnStack = nullptr;
 void TVPMReportUnclosedWeatherUpdate() {}

@@ -17,8 +17,7 @@
 
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;
-TVPMPluginID gDispatchedPlugin = 0;
-TVPMPluginID gClientPlugin = 0;
+TVPMCurrentPlugins gCurrentPlugins = {0, 0};
 TVPMDeliveryHead orphaned;
 TVPMPluginID gPendingWeatherUpdate = -1;
 bool gTVPMDiagnostics = false;
