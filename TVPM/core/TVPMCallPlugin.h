@@ -102,25 +102,14 @@ inline TVPMCalled TVPMCallPlugin(TVPMPluginID id, TVPMCallSite site, F&& fn) {
     return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
 }
 
-// Returns what fn returns, called as TVPMCallPlugin calls it, or R() when the
-// plugin may not be called or fn throws; for a caller that keeps its owner's
-// record place (TVPMPluginTable::PlaceOf(id)), so that an enabled owner costs
-// no table lookup. fn is taken by value and returns its result, so that
-// nothing of the caller's has to live in memory on the way.
+// Returns what fn returns, called with plugin id current, or R() when fn
+// throws; for a caller that keeps its owner's record place
+// (TVPMPluginTable::PlaceOf(id)) and has seen place.enabled, so that the
+// owner costs no table lookup. Any other owner goes through TVPMCallPlugin,
+// which decides.
 template <class R, class F>
-inline R TVPMCallPluginFor(const PluginRecord& place, TVPMPluginID id, TVPMCallSite site, F fn);
-
-// The general path of the call above, out of its caller's way.
-template <class R, class F>
-__attribute__((noinline, cold)) R TVPMCallPluginForOffPath(TVPMPluginID id, TVPMCallSite site, F fn) {
-    R result = R();
-    TVPMCallPlugin(id, site, [&] { result = fn(); });
-    return result;
-}
-
-template <class R, class F>
-inline R TVPMCallPluginFor(const PluginRecord& place, TVPMPluginID id, TVPMCallSite site, F fn) {
-    if (__builtin_expect(!place.enabled, 0)) return TVPMCallPluginForOffPath<R>(id, site, fn);
+inline R TVPMCallEnabledPlugin(const PluginRecord& place, TVPMPluginID id, TVPMCallSite site,
+                               F&& fn) {
     StCurrentPlugin scope(id, place.dllRef);
     R result = R();
     // Within the scope the callee is the current plugin, so a throw is

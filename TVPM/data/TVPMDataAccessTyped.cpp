@@ -7,21 +7,43 @@ namespace {
 
 inline TVPMData_t* Record(TVPMDataRef ref) { return static_cast<TVPMData_t*>(ref); }
 
+// What an accessor call yields here: writes count as returning 0.
+template <class R>
+using Yield = std::conditional_t<std::is_void_v<R>, int, R>;
+
+template <class R, class Accessor, class... Args>
+inline Yield<R> Invoke(Accessor accessor, void* refcon, Args... args) {
+    if constexpr (std::is_void_v<R>) {
+        accessor(refcon, args...);
+        return 0;
+    } else {
+        return accessor(refcon, args...);
+    }
+}
+
+// The general path, for an owner that is disabled, gone or the simulator
+// before start-up: the call helper decides. Out of line and with its
+// arguments in registers, so the hot path builds nothing for it.
+template <class R, class Accessor, class... Args>
+__attribute__((noinline, cold)) Yield<R> CallThroughHelper(TVPMPluginID owner, Accessor accessor,
+                                                           void* refcon, Args... args) {
+    Yield<R> result = Yield<R>();
+    TVPMCallPlugin(owner, TVPMCallSite::kDataAccessor,
+                   [&] { result = Invoke<R>(accessor, refcon, args...); });
+    return result;
+}
+
 // Calls one accessor with the owner as the current plugin; the result stays 0
 // when the owner may not be called (disabled or departed) or the accessor
 // throws. No lookup, lock or allocation: this runs for every item a plugin
 // reads every frame.
 template <class R, class Accessor, class... Args>
-inline R CallOwner(const TVPMData_t* d, Accessor accessor, void* refcon, Args... args) {
-    if constexpr (std::is_void_v<R>) {
-        TVPMCallPluginFor<int>(*d->ownerPlace, d->plugin, TVPMCallSite::kDataAccessor, [=] {
-            accessor(refcon, args...);
-            return 0;
-        });
-    } else {
-        return TVPMCallPluginFor<R>(*d->ownerPlace, d->plugin, TVPMCallSite::kDataAccessor,
-                                    [=] { return accessor(refcon, args...); });
-    }
+inline Yield<R> CallOwner(const TVPMData_t* d, Accessor accessor, void* refcon, Args... args) {
+    const PluginRecord& owner = *d->ownerPlace;
+    if (__builtin_expect(!owner.enabled, 0))
+        return CallThroughHelper<R>(d->plugin, accessor, refcon, args...);
+    return TVPMCallEnabledPlugin<Yield<R>>(owner, d->plugin, TVPMCallSite::kDataAccessor,
+                                           [&] { return Invoke<R>(accessor, refcon, args...); });
 }
 
 template <class R, class Accessor, class... Args>
