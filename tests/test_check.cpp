@@ -1,90 +1,117 @@
 // test_check.cpp: tvpm-host --check against a corpus of deliberately broken plugins, its selection options and its reports.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstring>
 #include <filesystem>
 #include <regex>
+#include <vector>
 
 #include "HostRunner.h"
 
 namespace {
 
 struct BrokenCase {
-    const char* plugin;   // a case of broken_cases.tvp, or a plugin file of its own (*.tvp)
-    const char* args;     // beyond --check --frames 5 --seed 1
+    const char* plugin;  // a case of broken_cases.tvp, or a plugin file of its own (*.tvp)
+    const char* args;    // beyond --check --frames 5 --seed 1
     int status;
-    const char* finding;  // "<outcome> <check> ... <message part>", as printed
+    std::vector<const char*> findings;  // "<outcome> <check> ... <message part>", as printed
 };
 
 // One line per mistake plugin authors make; each must fail with its named check.
 const BrokenCase kCorpus[] = {
-    {"leak_flight_loop", "", 1, "fail    leftovers.*still had 1 flight loops registered after TPluginStop"},
-    {"leak_command_handler", "", 1, "fail    leftovers.*command handlers registered after TPluginStop"},
-    {"leak_data_accessor", "", 1, "fail    leftovers.*data items registered after TPluginStop"},
-    {"leak_hot_key", "", 1, "fail    leftovers.*1 hot keys registered after TPluginStop"},
-    {"leak_draw_callback", "", 1, "fail    leftovers.*1 draw callbacks registered after TPluginStop"},
-    {"leak_key_sniffer", "", 1, "fail    leftovers.*1 key sniffers registered after TPluginStop"},
-    {"broken_leak.tvp", "", 1, "fail    leftovers.*left behind: window 'Forgotten' was not released by the plugin"},
-    {"crash_menu_handler", "", 3, "crash   fuzz.*\\[fuzz round \\d+: menu pick 'Crash'\\] Segmentation fault during menu "
-                                  "handler \\(replay with --seed 1\\)\n    at [^\n]*crash_menu_handler.tvp \\+0x[0-9a-f]+ [\\s\\S]*CrashingMenu"},
-    {"crash_command_handler", "", 3, "crash   fuzz.*command 'test/crash' begin, hold and end[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingHandler"},
-    {"crash_data_accessor", "", 3, "crash   fuzz.*read and write of data item 'test/crash/item'[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingRead"},
-    {"crash_mouse_handler", "", 3, "crash   fuzz.*mouse click, drag and scroll[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingClick"},
-    {"crash_key_sniffer", "", 3, "crash   fuzz.*key .* down and up[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingSniff"},
-    {"crash_hot_key", "", 3, "crash   fuzz.*during key sniffers and hot keys"},
-    {"crash_message", "", 3, "crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage"
-                             "[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ TPluginReceiveMessage"},
-    {"crash_fuzz_enable", "--seed 7", 3, "crash   fuzz.*\\[fuzz round \\d+: disable, a frame, enable\\] Segmentation fault "
-                                         "during TPluginDisable and TPluginEnable \\(replay with --seed 7\\)"},
-    {"broken_crash.tvp", "", 3, "crash   lifecycle        \\[disable\\] Segmentation fault during TPluginDisable"},
-    {"error_menu_index", "", 1, "fail    errors.*\"TVPMRemoveMenuItem was passed an out of range item index.\""},
-    {"error_feature", "", 1, "fail    errors.*\"Illegal feature name passed to TVPMEnableFeature\""},
-    {"error_struct_size", "", 1, "fail    errors.*\"Illegal struct size for TVPMCreateFlightLoop\""},
-    {"error_null_callback", "", 1, "fail    errors.*\"Null callback for TVPMCreateFlightLoop\""},
-    {"misspelt_data", "", 1, "fail    unknown-data.*'sim/flightmodel/position/elevatoin', which the simulator does "
-                             "not publish"},
-    {"broken_hidden_entry.tvp", "", 1, "fail    entry-points.*TPluginEnable is defined but not exported"},
-    {"detached_thread", "--fuzz 0", 3, "late-threads.*(still running after TPluginStop|used its code or data after the plugin was "
-                                       "unloaded\n    at .*detached_thread.tvp \\+0x[0-9a-f]+ \\(unloaded\\))"},
-    {"thread_debug_string", "", 1, "fail    threads.*Threading violation calling TVPMDebugString"},
-    {"thread_menu", "", 1, "fail    threads.*Threading violation calling TVPMFindPluginsMenu"},
-    {"thread_command", "", 1, "fail    threads.*Threading violation calling TVPMFindCommand"},
-    {"broken_thread.tvp", "", 1, "fail    threads.*Threading violation calling TVPMRegisterDrawCallback"},
-    {"hang_flight_loop", "--timeout 2", 4, "timeout lifecycle        \\[frames\\] did not finish the step within the "
-                                           "timeout, stuck during flight loops before the flight model\n.*Spin"},
-    {"slow_flight_loop", "--fuzz 0 --level 4", 1, "fail    timing.*a flight loop callback took \\d+ us, more than "
-                                                  "the frame budget of 16667 us at 60 fps"},
-    {"open_file", "", 1, "fail    file-descriptors.*opened by the plugin still open after it was unloaded: \\d+ "
-                         "\\(/dev/null\\)"},
-    {"broken_pinned.tvp", "", 1, "fail    code-unmapped"},
-    {"name_overrun", "", 1, "fail    caller-buffers   \\[start\\] \\[name_overrun.tvp\\]: buffer overrun: TPluginStart wrote "
-                            "past the end of the 256-byte name buffer"},
-    {"broken_start.tvp", "", 1, "fail    load.*refused to start"},
-    {"broken_deprecated.tvp", "--level 5", 1, "warn    warnings.*is deprecated"},
+    {"leak_flight_loop", "", 1, {"fail    leftovers.*still had 1 flight loops registered after TPluginStop"}},
+    {"leak_command_handler", "", 1, {"fail    leftovers.*command handlers registered after TPluginStop"}},
+    {"leak_data_accessor", "", 1, {"fail    leftovers.*data items registered after TPluginStop"}},
+    {"leak_hot_key", "", 1, {"fail    leftovers.*1 hot keys registered after TPluginStop"}},
+    {"leak_draw_callback", "", 1, {"fail    leftovers.*1 draw callbacks registered after TPluginStop"}},
+    {"leak_key_sniffer", "", 1, {"fail    leftovers.*1 key sniffers registered after TPluginStop"}},
+    {"leak_window", "", 1, {"fail    leftovers.*left behind: window 'Forgotten' was not released by the plugin",
+                            "left behind: command held 'test/broken/held' was not released by the plugin"}},
+    {"hold_world", "", 1, {"left behind: object '", "left behind: instance '",
+                           "left behind: AI aircraft control 'the other aircraft' was not released by the plugin",
+                           "note    world-services   \\[aircraft unload\\] the plugin still controlled the camera at "
+                           "shut-down"}},
+    {"leak_avionics", "", 1, {"left behind: avionics device 'Forgotten display' was not released by the plugin",
+                              "timing  avionics drawing"}},
+    {"leak_weather", "", 1, {"fail    world-services   \\[shut-down\\] left a bulk weather update open at the end "
+                             "of a callback", "map layer\\(s\\) stay registered after unload"}},
+    {"leak_sound", "", 1, {"sound\\(s\\) still playing in channel group 'own group' after unload",
+                           "left behind: channel group 'own group' was not released after unload"}},
+    {"crash_menu_handler", "", 3, {"crash   fuzz.*\\[fuzz round \\d+: menu pick 'Crash'\\] Segmentation fault during "
+                                   "menu handler \\(replay with --seed 1\\)\n    at [^\n]*crash_menu_handler.tvp "
+                                   "\\+0x[0-9a-f]+ [\\s\\S]*CrashingMenu"}},
+    {"crash_command_handler", "", 3, {"crash   fuzz.*command 'test/crash' begin, hold and end[\\s\\S]*\\.tvp "
+                                      "\\+0x[0-9a-f]+ [^\n]*CrashingHandler"}},
+    {"crash_data_accessor", "", 3, {"crash   fuzz.*read and write of data item 'test/crash/item'[\\s\\S]*\\.tvp "
+                                    "\\+0x[0-9a-f]+ [^\n]*CrashingRead"}},
+    {"crash_mouse_handler", "", 3, {"crash   fuzz.*mouse click, drag and scroll[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ "
+                                    "[^\n]*CrashingClick"}},
+    {"crash_key_sniffer", "", 3, {"crash   fuzz.*key .* down and up[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ [^\n]*CrashingSniff"}},
+    {"crash_hot_key", "", 3, {"crash   fuzz.*during key sniffers and hot keys"}},
+    {"crash_message", "", 3, {"crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage"
+                              "[\\s\\S]*\\.tvp \\+0x[0-9a-f]+ TPluginReceiveMessage"}},
+    {"crash_fuzz_enable", "--seed 7", 3, {"crash   fuzz.*\\[fuzz round \\d+: disable, a frame, enable\\] Segmentation "
+                                          "fault during TPluginDisable and TPluginEnable \\(replay with --seed 7\\)"}},
+    {"crash_disable", "", 3, {"crash   lifecycle        \\[disable\\] Segmentation fault during TPluginDisable"}},
+    {"error_menu_index", "", 1, {"fail    errors.*\"TVPMRemoveMenuItem was passed an out of range item index.\""}},
+    {"error_feature", "", 1, {"fail    errors.*\"Illegal feature name passed to TVPMEnableFeature\""}},
+    {"error_struct_size", "", 1, {"fail    errors.*\"Illegal struct size for TVPMCreateFlightLoop\""}},
+    {"error_null_callback", "", 1, {"fail    errors.*\"Null callback for TVPMCreateFlightLoop\""}},
+    {"misspelt_data", "", 1, {"fail    unknown-data.*'sim/flightmodel/position/elevatoin', which the simulator "
+                              "does not publish"}},
+    {"broken_hidden_entry.tvp", "", 1, {"fail    entry-points.*TPluginEnable is defined but not exported"}},
+    {"detached_thread", "--fuzz 0", 3, {"late-threads.*(still running after TPluginStop|used its code or data after "
+                                        "the plugin was unloaded\n    at .*detached_thread.tvp \\+0x[0-9a-f]+ "
+                                        "\\(unloaded\\))"}},
+    {"thread_debug_string", "", 1, {"fail    threads.*Threading violation calling TVPMDebugString"}},
+    {"thread_menu", "", 1, {"fail    threads.*Threading violation calling TVPMFindPluginsMenu",
+                            "threads          \\[start\\] Violation by Broken thread_menu \\(test.broken.thread_menu - "}},
+    {"thread_command", "", 1, {"fail    threads.*Threading violation calling TVPMFindCommand"}},
+    {"hang_flight_loop", "--timeout 2", 4, {"timeout lifecycle        \\[frames\\] did not finish the step within the "
+                                            "timeout, stuck during flight loops before the flight model\n.*Spin"}},
+    {"slow_flight_loop", "--fuzz 0 --level 4", 1, {"fail    timing.*a flight loop callback took \\d+ us, more than "
+                                                   "the frame budget of 16667 us at 60 fps"}},
+    {"open_file", "", 1, {"fail    file-descriptors.*opened by the plugin still open after it was unloaded: \\d+ "
+                          "\\(/dev/null\\)"}},
+    {"pinned_code", "", 1, {"fail    code-unmapped    \\[shut-down\\] plugin code still mapped after it was unloaded"}},
+    {"name_overrun", "", 1, {"fail    caller-buffers   \\[start\\] \\[name_overrun.tvp\\]: buffer overrun: TPluginStart "
+                             "wrote past the end of the 256-byte name buffer"}},
+    {"refuse_start", "", 1, {"fail    load             \\[start\\] did not load: The plugin refused to start by "
+                             "returning 0 from TPluginStart\\."}},
+    {"refuse_enable", "", 1, {"fail    load             \\[enable\\] did not enable: TPluginEnable returned 0"}},
+    // A warning passes the plugin, unless the check is strict or at level 5.
+    {"deprecated_data", "", 0, {"PASS  Broken deprecated_data", "warn    warnings         \\[start\\] "
+                                "\\[Broken deprecated_data\\]: Dataref 'sim/graphics/view/legacy_frame_rate' is "
+                                "deprecated and will be removed in a future version\\."}},
+    {"deprecated_data", "--strict", 1, {"FAIL  Broken deprecated_data"}},
+    {"deprecated_data", "--level 5", 1, {"warn    warnings.*is deprecated"}},
 };
 
-void PrintTo(const BrokenCase& c, std::ostream* os) { *os << c.plugin; }
+void PrintTo(const BrokenCase& c, std::ostream* os) { *os << c.plugin << " " << c.args; }
 
 class CheckCorpus : public testing::TestWithParam<BrokenCase> {};
 
 TEST_P(CheckCorpus, FailsWithItsNamedCheckAndAMessage) {
     const BrokenCase& c = GetParam();
     TempDir dir;
-    std::string plugin = TestPlugin(c.plugin);
-    if (std::string(c.plugin).find(".tvp") == std::string::npos) {
-        plugin = dir / (std::string(c.plugin) + ".tvp");
-        std::filesystem::copy_file(TestPlugin("broken_cases.tvp"), plugin);
-    }
+    const std::string plugin = strstr(c.plugin, ".tvp") ? TestPlugin(c.plugin) : dir.BrokenCase(c.plugin);
     const HostOutcome o = RunHost("--check --frames 5 --seed 1 " + std::string(c.args) + " --plugin " + plugin);
     EXPECT_EQ(o.status, c.status) << o.output;
-    EXPECT_TRUE(std::regex_search(o.output, std::regex(c.finding))) << c.finding << "\n" << o.output;
-    EXPECT_NE(o.output.find("0 of 1 plugins passed"), std::string::npos) << o.output;
+    for (const char* finding : c.findings)
+        EXPECT_TRUE(std::regex_search(o.output, std::regex(finding))) << finding << "\n" << o.output;
+    EXPECT_NE(o.output.find(c.status ? "0 of 1 plugins passed" : "1 of 1 plugins passed"), std::string::npos)
+        << o.output;
 }
 
 INSTANTIATE_TEST_SUITE_P(Broken, CheckCorpus, testing::ValuesIn(kCorpus),
                          [](const testing::TestParamInfo<BrokenCase>& info) {
                              std::string name = info.param.plugin;
-                             return name.substr(0, name.find('.'));
+                             name = name.substr(0, name.find('.'));
+                             if (*info.param.args) name += "_";
+                             for (const char* a = info.param.args; *a; ++a)
+                                 if (isalnum(static_cast<unsigned char>(*a))) name += *a;
+                             return name;
                          });
 
 std::string Examples() { return BinaryDir() + "/sim/Resources/plugins/"; }
@@ -101,7 +128,8 @@ TEST(CheckOptions, ChecksAreListedSelectedByNamePatternAndLevelAndMisuseIsAUsage
     for (const char* check : {"load", "lifecycle", "threads", "leftovers", "errors", "unknown-data", "fuzz", "timing",
                               "entry-points", "file-descriptors", "late-threads", "code-unmapped", "caller-buffers"})
         EXPECT_TRUE(std::regex_search(o.output, std::regex(std::string("\n") + check + " +[1-5] +\\w"))) << check;
-    const std::string leaky = " --frames 5 --plugin " + TestPlugin("broken_leak.tvp");
+    TempDir dir;
+    const std::string leaky = " --frames 5 --plugin " + dir.BrokenCase("leak_window");
     const struct {
         std::string args;
         int status;
@@ -111,18 +139,17 @@ TEST(CheckOptions, ChecksAreListedSelectedByNamePatternAndLevelAndMisuseIsAUsage
                  {"--check --level 1 --skip leftovers" + leaky, 0},
                  {"--check --only nonesuch" + leaky, 2},
                  {"--check --level 6" + leaky, 2},
-                 {"--check --skip lifecycle --frames 5 --plugin " + TestPlugin("broken_crash.tvp"), 3},
+                 {"--check --skip lifecycle --frames 5 --plugin " + dir.BrokenCase("crash_disable"), 3},
                  {"--level 2", 2}};
     for (auto& run : kRuns) EXPECT_EQ(RunHost(run.args).status, run.status) << run.args;
     o = RunHost("--check --level 1 --skip leftovers" + leaky);
-    EXPECT_NE(o.output.find("PASS  Broken Leak"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("PASS  Broken leak_window"), std::string::npos) << o.output;
     EXPECT_EQ(o.output.find("Fuzzing"), std::string::npos) << o.output;
 }
 
 TEST(CheckReplay, ASeededCrashReplaysTheSameRoundAndTheSeedIsPrinted) {
     TempDir dir;
-    const std::string plugin = dir / "crash_key_sniffer.tvp";
-    std::filesystem::copy_file(TestPlugin("broken_cases.tvp"), plugin);
+    const std::string plugin = dir.BrokenCase("crash_key_sniffer");
     const HostOutcome first = RunHost("--check --frames 5 --plugin " + plugin);
     std::smatch seed, round;
     ASSERT_TRUE(std::regex_search(first.output, seed, std::regex("Fuzzing 200 rounds with seed (\\d+)")))
@@ -141,62 +168,65 @@ constexpr const char* kHighest = "--level 5";
 #endif
 
 TEST(CheckExamples, PassAtTheDefaultAndTheHighestLevel) {
-    for (const char* level : {"", kHighest}) {
-        const HostOutcome o = RunHost(std::string("--check --frames 20 ") + level);
+    TempDir dir;
+    for (const std::string& level : {"--report " + (dir / "check.json"), std::string(kHighest)}) {
+        const HostOutcome o = RunHost("--check --frames 20 " + level);
         EXPECT_EQ(o.status, 0) << level << "\n" << o.output;
         EXPECT_TRUE(std::regex_search(o.output, std::regex("\\n(\\d+) of \\1 plugins passed( \\(strict\\))?: all passed"))) << o.output;
+        for (const char* expected : {"PASS  Panel Clock", "PASS  Clock Listener", "PASS  World Tour",
+                                     "PASS  Example Avionics (aircraft)"})
+            EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
     }
+    EXPECT_EQ(Slurp(dir / "check.json").rfind("{\"schemaVersion\":2,\"mode\":\"check\",\"level\":3,\"strict\":false,\"ok\":true", 0), 0u)
+        << Slurp(dir / "check.json");
 }
 
-TEST(CheckReports, JUnitParsesAndCarriesWhatCiReads) {
+TEST(CheckReports, EachPluginIsJudgedOnItsOwnInTheOutputTheLogTheJsonAndTheJUnitReport) {
     TempDir dir;
-    const HostOutcome o = RunHost("--check --frames 5 --seed 1 --junit " + (dir / "check.xml") + " --plugin " +
-                                  TestPlugin("broken_crash.tvp") + " --plugin " + TestPlugin("broken_leak.tvp") +
-                                  " --plugin " + Examples() + "panel_clock --level 2");
+    const std::string plugins[] = {dir.BrokenCase("crash_disable"), dir.BrokenCase("leak_window"),
+                                   dir.BrokenCase("refuse_start"), Examples() + "panel_clock"};
+    std::string args = "--check --frames 5 --seed 1 --level 2 --junit " + (dir / "check.xml") + " --report " +
+                       (dir / "check.json") + " --log " + (dir / "check.log");
+    for (const std::string& plugin : plugins) args += " --plugin " + plugin;
+    const HostOutcome o = RunHost(args);
     EXPECT_EQ(o.status, 3) << o.output;
+    EXPECT_NE(o.output.find("PASS  Panel Clock"), std::string::npos) << o.output;
+    EXPECT_NE(o.output.find("1 of 4 plugins passed"), std::string::npos) << o.output;
+    const std::string log = Slurp(dir / "check.log");
+    for (const std::string& plugin : plugins)
+        EXPECT_NE(log.find("==== " + plugin + "\n"), std::string::npos) << plugin << "\n" << log;
+    EXPECT_NE(log.find("Failed: "), std::string::npos) << log;
+    EXPECT_NE(log.find("Loaded: "), std::string::npos) << log;
+    const std::string json = Slurp(dir / "check.json");
+    for (const char* expected :
+         {"\"ok\":false", "\"name\":\"Broken leak_window\"", "\"passed\":false,",
+          "{\"name\":\"leftovers\",\"level\":1,\"outcome\":\"fail\",\"findings\":[{\"step\":\"shut-down\","
+          "\"outcome\":\"fail\",\"message\":\"left behind: "})
+        EXPECT_NE(json.find(expected), std::string::npos) << expected << "\n" << json;
     const std::string xml = dir / "check.xml";
     auto count = [&](const std::string& xpath) {
-        FILE* p = popen(("xmllint --xpath 'count(" + xpath + ")' '" + xml + "'").c_str(), "r");
-        char buf[64] = "";
-        if (p) {
-            if (!fgets(buf, sizeof buf, p)) buf[0] = 0;
-            pclose(p);
-        }
-        return std::string(buf, strcspn(buf, "\n"));
+        const std::string out = RunShell("xmllint --xpath 'count(" + xpath + ")' '" + xml + "'").output;
+        return out.substr(0, out.find('\n'));
     };
     EXPECT_EQ(system(("xmllint --noout '" + xml + "'").c_str()), 0) << Slurp(xml);
     EXPECT_EQ(count("/testsuites[@name and @tests and @failures and @errors and @time]"), "1");
-    EXPECT_EQ(count("/testsuites/testsuite[@name and @tests and @failures and @errors and @time]"), "3");
-    EXPECT_EQ(count("//testsuite[@name=\"Broken Crash\"]/testcase[@name=\"lifecycle\"]/error[@message]"), "1");
-    EXPECT_EQ(count("//testsuite[@name=\"Broken Leak\"]/testcase[@name=\"leftovers\"]/failure[@message]"), "1");
+    EXPECT_EQ(count("/testsuites/testsuite[@name and @tests and @failures and @errors and @time]"), "4");
+    EXPECT_EQ(count("//testsuite[@name=\"Broken crash_disable\"]/testcase[@name=\"lifecycle\"]/error[@message]"), "1");
+    EXPECT_EQ(count("//testsuite[@name=\"Broken leak_window\"]/testcase[@name=\"leftovers\"]/failure[@message]"), "1");
     EXPECT_EQ(count("//testsuite[@name=\"Panel Clock\"]/testcase[@name=\"fuzz\"]/skipped"), "1");
     EXPECT_EQ(count("//testsuite[@name=\"Panel Clock\"]//failure | //testsuite[@name=\"Panel Clock\"]//error"), "0");
-}
-
-}  // namespace
-
-namespace {
-
-std::string RenderedDom(const std::string& html) {
-    TempDir profile;
-    HostOutcome dom;
-    FILE* p = popen(("chromium --headless --no-sandbox --disable-gpu --no-first-run --disable-background-networking "
-                     "--disable-component-update --disable-sync --user-data-dir='" + profile.Path() +
-                     "' --dump-dom 'file://" + html + "' 2>/dev/null").c_str(), "r");
-    if (!p) return "";
-    char buf[4096];
-    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) dom.output.append(buf, n);
-    pclose(p);
-    return dom.output;
 }
 
 TEST(CheckReports, TheHtmlChartRendersEachCategoryAndTheFrameBudgetInABrowser) {
     if (system("command -v chromium >/dev/null") != 0) GTEST_SKIP() << "chromium is not installed";
     TempDir dir;
     const HostOutcome o = RunHost("--check --frames 20 --fuzz 0 --html " + (dir / "check.html") + " --plugin " +
-                                  BinaryDir() + "/sim/Resources/plugins/panel_clock");
+                                  Examples() + "panel_clock");
     EXPECT_EQ(o.status, 0) << o.output;
-    const std::string dom = RenderedDom(dir / "check.html");
+    const std::string dom =
+        RunShell("{ chromium --headless --no-sandbox --disable-gpu --no-first-run --disable-background-networking "
+                 "--disable-component-update --disable-sync --user-data-dir='" + (dir / "profile") +
+                 "' --dump-dom 'file://" + (dir / "check.html") + "' 2>/dev/null; }").output;
     EXPECT_NE(dom.find("PASS Panel Clock"), std::string::npos) << dom;
     // Panel Clock runs a flight loop and draws its window: one band each, stacked.
     for (const char* category : {"flight loop", "window drawing"})
@@ -210,18 +240,3 @@ TEST(CheckReports, TheHtmlChartRendersEachCategoryAndTheFrameBudgetInABrowser) {
 }
 
 }  // namespace
-
-TEST(HostRunCrash, APluginCrashingTheRunIsReportedWithItsStepAndTheReportIsStillWritten) {
-    TempDir dir;
-    const HostOutcome o = RunHost("--quiet --frames 5 --report " + (dir / "run.json") + " --plugin " +
-                                  TestPlugin("broken_crash.tvp"));
-    EXPECT_EQ(o.status, 3) << o.output;
-    EXPECT_NE(o.output.find("Segmentation fault in step 'shut-down' during TPluginDisable and TPluginStop at "
-                            "shut-down, in plugin /"),
-              std::string::npos)
-        << o.output;
-    EXPECT_NE(Slurp(dir / "run.json").find("{\"mode\":\"run\",\"ok\":false,\"crash\":{\"signal\":\"Segmentation "
-                                           "fault\",\"step\":\"shut-down\""),
-              std::string::npos)
-        << Slurp(dir / "run.json");
-}

@@ -4,17 +4,25 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <thread>
 
+#include "TVPM/TVPMCamera.h"
 #include "TVPM/TVPMDataAccess.h"
 #include "TVPM/TVPMDisplay.h"
+#include "TVPM/TVPMInstance.h"
+#include "TVPM/TVPMMap.h"
 #include "TVPM/TVPMMenus.h"
+#include "TVPM/TVPMPlanes.h"
 #include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMProcessing.h"
+#include "TVPM/TVPMScenery.h"
+#include "TVPM/TVPMSound.h"
 #include "TVPM/TVPMUtilities.h"
+#include "TVPM/TVPMWeather.h"
 
 namespace {
 
@@ -23,7 +31,6 @@ std::string s_case;
 volatile uintptr_t s_nullField = 16;
 volatile int s_sink = 0;
 volatile unsigned s_spins = 0;
-TVPMCommandRef s_command = nullptr;
 
 void Crash() { s_sink = *reinterpret_cast<volatile int*>(s_nullField); }
 float Loop(float, float, int, void*) { return -1; }
@@ -33,6 +40,13 @@ float Spin(float, float, int, void*) {
 float Slow(float, float, int, void*) {
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     return -1;
+}
+float BeginWeatherOnly(float, float, int, void*) {
+    static TVPMWeatherInfo_t info;
+    info.structSize = sizeof info;
+    TVPMBeginWeatherUpdate();
+    TVPMSetWeatherAtAirport("LSZH", &info);
+    return 0;
 }
 int Handler(TVPMCommandRef, TVPMCommandPhase, void*) { return 1; }
 int CrashingHandler(TVPMCommandRef, TVPMCommandPhase, void*) { return Crash(), 1; }
@@ -45,6 +59,10 @@ void HotKey(void*) {}
 void CrashingMenu(void*, void*) { Crash(); }
 void DrawWindow(TVPMWindowID, void*) {}
 int CrashingClick(TVPMWindowID, int, int, TVPMMouseStatus, void*) { return Crash(), 1; }
+void DrawScreen(void*) {}
+int DrawOver(TVPMDeviceID, int, void*) { return 1; }
+void DrawLayer(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID, void*) {}
+int KeepCamera(TVPMCameraPosition_t*, int, void*) { return 1; }
 void Detached() {
     for (;;) std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
@@ -53,19 +71,95 @@ void FromThread(void (*call)()) {
     worker.join();
 }
 
-TVPMWindowID CrashingWindow() {
+TVPMWindowID Window(TVPMHandleMouseClick_f click) {
     TVPMCreateWindow_t p;
     memset(&p, 0, sizeof p);
     p.structSize = sizeof p;
     p.left = 100, p.bottom = 100, p.right = 400, p.top = 300;
     p.visible = 1;
     p.drawWindowFunc = DrawWindow;
-    p.handleMouseClickFunc = CrashingClick;
+    p.handleMouseClickFunc = click;
     p.layer = tvpm_WindowLayerFloatingWindows;
     return TVPMCreateWindowEx(&p);
 }
 
-// What each case does when enabled; cases that must act at stop do so below.
+TVPMFlightLoopID FlightLoop(TVPMFlightLoop_f callback, int structSize = sizeof(TVPMCreateFlightLoop_t)) {
+    TVPMCreateFlightLoop_t p = {structSize, tvpm_FlightLoop_Phase_BeforeFlightModel, callback, nullptr};
+    return TVPMCreateFlightLoop(&p);
+}
+
+void KeepAvionics() {
+    TVPMCreateAvionics_t device;
+    memset(&device, 0, sizeof device);
+    device.structSize = sizeof device;
+    device.screenWidth = device.screenHeight = 100;
+    device.drawCallback = DrawScreen;
+    device.deviceID = "test_forgotten";
+    device.deviceName = "Forgotten display";
+    TVPMCreateAvionicsEx(&device);
+    TVPMCustomizeAvionics_t overlay;
+    memset(&overlay, 0, sizeof overlay);
+    overlay.structSize = sizeof overlay;
+    overlay.drawCallbackBefore = DrawOver;
+    TVPMRegisterAvionicsCallbacksEx(&overlay);
+}
+
+void KeepWeatherUpdateAndMapLayer() {
+    TVPMCreateMapLayer_t layer;
+    memset(&layer, 0, sizeof layer);
+    layer.structSize = sizeof layer;
+    layer.mapToCreateLayerIn = TVPM_MAP_USER_INTERFACE;
+    layer.drawCallback = DrawLayer;
+    layer.layerName = "Kept";
+    TVPMCreateMapLayer(&layer);
+    TVPMScheduleFlightLoop(FlightLoop(BeginWeatherOnly), -1, 1);
+}
+
+// One object per load; the other aircraft and the camera again at every enable.
+void HoldWorld() {
+    static bool loaded = false;
+    if (!loaded) {
+        // Any file will do as the simulator's object: this plugin's own library.
+        char path[256] = "";
+        TVPMGetPluginInfo(TVPMGetMyID(), nullptr, path, nullptr, nullptr);
+        static const char* const kNoData[] = {nullptr};
+        TVPMCreateInstance(TVPMLoadObject(path), const_cast<const char**>(kNoData));
+        loaded = true;
+    }
+    TVPMAcquirePlanes(nullptr, nullptr, nullptr);
+    TVPMControlCamera(tvpm_ControlCameraForever, KeepCamera, nullptr);
+}
+
+// A looping sound in a channel group the plugin makes with the engine itself.
+struct ExInfo {
+    int cbsize;
+    unsigned length, fileoffset;
+    int numchannels, defaultfrequency, format;
+    unsigned char rest[200];
+};
+template <class F>
+F Engine(const char* name) {
+    return reinterpret_cast<F>(dlsym(RTLD_DEFAULT, name));
+}
+void KeepSound() {
+    static short pcm[800];
+    auto getSystem = Engine<int (*)(void*, void**)>("FMOD_ChannelGroup_GetSystemObject");
+    auto createGroup = Engine<int (*)(void*, const char*, void**)>("FMOD_System_CreateChannelGroup");
+    auto createSound = Engine<int (*)(void*, const void*, unsigned, ExInfo*, void**)>("FMOD_System_CreateSound");
+    auto play = Engine<int (*)(void*, void*, void*, int, void**)>("FMOD_System_PlaySound");
+    void *system = nullptr, *group = nullptr, *sound = nullptr, *channel = nullptr;
+    TVPMFMODChannelGroup* mine = TVPMGetFMODChannelGroup(tvpm_AudioUI);
+    if (!getSystem || !mine || getSystem(mine, &system) || createGroup(system, "own group", &group)) return;
+    ExInfo info{};
+    info.cbsize = sizeof info;
+    info.length = sizeof pcm;
+    info.numchannels = 1;
+    info.defaultfrequency = 8000;
+    info.format = tvpm_FMOD_PCM16;
+    if (createSound(system, pcm, 0x1802, &info, &sound) == 0) play(system, sound, group, 0, &channel);
+}
+
+// What each case does when enabled; cases that act at another entry point do so below.
 struct Case {
     const char* name;
     void (*enable)();
@@ -80,38 +174,33 @@ const Case kCases[] = {
     {"leak_hot_key", [] { TVPMRegisterHotKey('K', tvpm_DownFlag, "Leaked", HotKey, nullptr); }},
     {"leak_draw_callback", [] { TVPMRegisterDrawCallback(Draw, tvpm_Phase_Window, 0, nullptr); }},
     {"leak_key_sniffer", [] { TVPMRegisterKeySniffer(Sniff, 1, nullptr); }},
+    {"leak_window", [] {
+         TVPMSetWindowTitle(Window(nullptr), "Forgotten");
+         TVPMCommandBegin(TVPMCreateCommand("test/broken/held", "Held down forever"));
+     }},
+    {"hold_world", HoldWorld},
+    {"leak_avionics", KeepAvionics},
+    {"leak_weather", KeepWeatherUpdateAndMapLayer},
+    {"leak_sound", KeepSound},
     {"crash_menu_handler", [] {
          TVPMMenuID m = TVPMCreateMenu("Crashing", TVPMFindPluginsMenu(), 0, CrashingMenu, nullptr);
          TVPMAppendMenuItem(m, "Crash", nullptr, 0);
      }},
-    {"crash_command_handler", [] {
-         s_command = TVPMCreateCommand("test/crash", "Crash");
-         TVPMRegisterCommandHandler(s_command, CrashingHandler, 1, nullptr);
-     }},
+    {"crash_command_handler", [] { TVPMRegisterCommandHandler(TVPMCreateCommand("test/crash", "Crash"), CrashingHandler, 1, nullptr); }},
     {"crash_data_accessor", [] {
          TVPMRegisterDataAccessor("test/crash/item", tvpmType_Int, 0, CrashingRead, nullptr, nullptr, nullptr,
                                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                   nullptr);
      }},
-    {"crash_mouse_handler", [] { CrashingWindow(); }},
+    {"crash_mouse_handler", [] { Window(CrashingClick); }},
     {"crash_key_sniffer", [] { TVPMRegisterKeySniffer(CrashingSniff, 1, nullptr); }},
     {"crash_hot_key", [] { TVPMRegisterHotKey('Q', tvpm_DownFlag, "Crash", [](void*) { Crash(); }, nullptr); }},
     {"error_menu_index", [] { TVPMRemoveMenuItem(TVPMFindPluginsMenu(), 4711); }},
     {"error_feature", [] { TVPMEnableFeature("TVPM_NO_SUCH_FEATURE", 1); }},
-    {"error_struct_size", [] {
-         TVPMCreateFlightLoop_t p;
-         memset(&p, 0, sizeof p);
-         p.structSize = 12;
-         p.callbackFunc = Loop;
-         TVPMDestroyFlightLoop(TVPMCreateFlightLoop(&p));
-     }},
-    {"error_null_callback", [] {
-         TVPMCreateFlightLoop_t p;
-         memset(&p, 0, sizeof p);
-         p.structSize = sizeof p;
-         TVPMDestroyFlightLoop(TVPMCreateFlightLoop(&p));
-     }},
+    {"error_struct_size", [] { TVPMDestroyFlightLoop(FlightLoop(Loop, 12)); }},
+    {"error_null_callback", [] { TVPMDestroyFlightLoop(FlightLoop(nullptr)); }},
     {"misspelt_data", [] { s_sink = TVPMFindDataRef("sim/flightmodel/position/elevatoin") != nullptr; }},
+    {"deprecated_data", [] { s_sink = TVPMFindDataRef("sim/graphics/view/legacy_frame_rate") != nullptr; }},
     {"detached_thread", [] { std::thread(Detached).detach(); }},
     {"thread_debug_string", [] { FromThread([] { TVPMDebugString("hello from a worker\n"); }); }},
     {"thread_menu", [] { FromThread([] { s_sink = static_cast<int>(TVPMFindPluginsMenu() != nullptr); }); }},
@@ -119,9 +208,18 @@ const Case kCases[] = {
     {"hang_flight_loop", [] { TVPMRegisterFlightLoopCallback(Spin, -1, nullptr); }},
     {"slow_flight_loop", [] { TVPMRegisterFlightLoopCallback(Slow, -1, nullptr); }},
     {"open_file", [] { s_sink = open("/dev/null", O_RDONLY); }},
+    {"pinned_code", [] {
+         // A reference to its own library that it never gives back.
+         Dl_info self;
+         if (dladdr(reinterpret_cast<void*>(&Crash), &self) && self.dli_fname)
+             dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+     }},
     {"crash_message", [] {}},
     {"crash_fuzz_enable", [] {}},
+    {"crash_disable", [] {}},
     {"name_overrun", [] {}},
+    {"refuse_start", [] {}},
+    {"refuse_enable", [] {}},
 };
 
 const Case* This() {
@@ -141,7 +239,7 @@ TVPM_PLUGIN_API int TPluginStart(char* outName, char* outSignature, char* outDes
     strcpy(outSignature, ("test.broken." + s_case).c_str());
     strcpy(outDescription, "Makes the mistake its file name names.");
     if (s_case == "name_overrun") memset(outName, 'x', 400);
-    return This() != nullptr;
+    return This() != nullptr && s_case != "refuse_start";
 }
 
 TVPM_PLUGIN_API int TPluginEnable(void) {
@@ -154,10 +252,12 @@ TVPM_PLUGIN_API int TPluginEnable(void) {
         once = true;
     }
     This()->enable();
-    return 1;
+    return s_case != "refuse_enable";
 }
 
-TVPM_PLUGIN_API void TPluginDisable(void) {}
+TVPM_PLUGIN_API void TPluginDisable(void) {
+    if (s_case == "crash_disable") raise(SIGSEGV);
+}
 TVPM_PLUGIN_API void TPluginStop(void) {}
 
 TVPM_PLUGIN_API void TPluginReceiveMessage(TVPMPluginID, int inMessage, void*) {

@@ -12,27 +12,22 @@ extern "C" const char* TVPMDebugGetCurrentPluginName(void);
 
 namespace {
 
-// Messages understood, with what their parameter points to.
-constexpr int kNameFromWorker = 1;    // char[256]: receives the name seen by a worker thread
-constexpr int kNameOnMainThread = 2;  // char[256]: the same, on the plugin thread
-constexpr int kCallFromWorker = 3;    // const char*: an interface function (int f(void*, int, int, void*))
-
 void ReportError(const char* text) { fprintf(stderr, "worker plugin was told: %s", text); }
 
+// Receives the name TVPM gives the calling thread into a char[256].
 void* NameFromWorker(void* buffer) {
     const char* name = TVPMDebugGetCurrentPluginName();
     snprintf(static_cast<char*>(buffer), 256, "%s", name ? name : "(null)");
     return buffer;
 }
 
-typedef int (*AnyCheckedCall)(void*, int, int, void*);
 volatile int s_result;
 
+// Calls an interface function as int f(void*, int, int, void*), through a
+// plain call (not a tail call), so that this frame, in the plugin, is the one
+// the library identifies as the caller.
 void* CallFromWorker(void* fn) {
-    // Called through a plain call (not a tail call) so that this frame, in the
-    // plugin, is the one the library identifies as the caller.
-    int result = reinterpret_cast<AnyCheckedCall>(fn)(nullptr, 0, 0, nullptr);
-    s_result = result;
+    s_result = reinterpret_cast<int (*)(void*, int, int, void*)>(fn)(nullptr, 0, 0, nullptr);
     return nullptr;
 }
 
@@ -59,16 +54,13 @@ TVPM_PLUGIN_API int TPluginEnable(void) {
 
 TVPM_PLUGIN_API void TPluginDisable(void) {}
 
+// Message 1 names a worker thread, 2 the plugin thread (into a char[256]);
+// 3 calls the interface function its parameter names from a worker.
 TVPM_PLUGIN_API void TPluginReceiveMessage(TVPMPluginID, int inMsg, void* inParam) {
-    switch (inMsg) {
-        case kNameFromWorker: RunOnWorker(NameFromWorker, inParam); break;
-        case kNameOnMainThread: NameFromWorker(inParam); break;
-        case kCallFromWorker:
-            if (void* fn = dlsym(RTLD_DEFAULT, static_cast<const char*>(inParam)))
-                RunOnWorker(CallFromWorker, fn);
-            break;
-        default: break;
-    }
+    if (inMsg == 1) RunOnWorker(NameFromWorker, inParam);
+    if (inMsg == 2) NameFromWorker(inParam);
+    void* fn = inMsg == 3 ? dlsym(RTLD_DEFAULT, static_cast<const char*>(inParam)) : nullptr;
+    if (fn) RunOnWorker(CallFromWorker, fn);
 }
 
 // For threads the test itself starts: the name TVPM gives code of this plugin.

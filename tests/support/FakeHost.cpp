@@ -1,7 +1,9 @@
 // FakeHost.cpp: the recording fake simulator used by the integration tests.
 #include "FakeHost.h"
 
+#include <algorithm>
 #include <cinttypes>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
@@ -22,172 +24,65 @@ void Install(TVPMHooks& hooks, const char* name) {
     s_resets.push_back([] { SlotOf<Slot>::override = nullptr; });
 }
 
+// Every slot of the table, in its order.
+#define TVPM_FAKE_HOST_SLOTS(X)                                                                                   \
+    X(TVPMHostReady_f) X(TVPMCreateAvionics_f) X(TVPMDestroyAvionics_f) X(TVPMIsAvionicsBound_f)                  \
+    X(TVPMSetAvionicsBrightness_f) X(TVPMGetAvionicsBrightness_f) X(TVPMGetAvionicsBusVolts_f)                    \
+    X(TVPMSetAvionicsPopupVisible_f) X(TVPMIsAvionicsPopupVisible_f) X(TVPMPopOutAvionics_f)                      \
+    X(TVPMIsAvionicsPoppedOut_f) X(TVPMIsMouseOverAvionics_f) X(TVPMAvionicsNeedsDrawing_f)                       \
+    X(TVPMTakeAvionicsKeyboardFocus_f) X(TVPMHasAvionicsKeyboardFocus_f) X(TVPMGetAvionicsWindowBounds_f)         \
+    X(TVPMSetAvionicsWindowBounds_f) X(TVPMGetAvionicsWindowBoundsOS_f) X(TVPMSetAvionicsWindowBoundsOS_f)        \
+    X(TVPMGetScreenSize_f) X(TVPMGetScreenBoundsGlobal_f) X(TVPMGetAllMonitorBoundsGlobal_f)                      \
+    X(TVPMGetAllMonitorBoundsOS_f) X(TVPMGetMouseLocation_f) X(TVPMGetMouseLocationGlobal_f)                      \
+    X(TVPMSetPluginMouseFocus_f) X(TVPMSetGraphicsState_f) X(TVPMBindTexture2d_f) X(TVPMGenerateTextureIDs_f)     \
+    X(TVPMGetTexture_f) X(TVPMWorldToLocal_f) X(TVPMLocalToWorld_f) X(TVPMDrawTranslucentDarkBox_f)               \
+    X(TVPMDrawString_f) X(TVPMDrawNumber_f) X(TVPMGetFontDimensions_f) X(TVPMMeasureString_f)                     \
+    X(TVPMCreateInstance_f) X(TVPMDestroyInstance_f) X(TVPMInstanceSetAutoShift_f) X(TVPMInstanceSetPosition_f)   \
+    X(TVPMInstanceSetPositionDouble_f) X(TVPMInstanceSetData_f) X(TVPMInstanceEnable_f) X(TVPMInstanceDisable_f)  \
+    X(TVPMGetElapsedTime_f) X(TVPMReadCameraPosition_f) X(TVPMDrawPlane_f) X(TVPMLoadPlane_f)                     \
+    X(TVPMGetPlaneName_f) X(TVPMCountPlanes_f) X(TVPMLoadAirport_f) X(TVPMInitAtLocation_f) X(TVPMInitFlight_f)   \
+    X(TVPMUpdateFlight_f) X(TVPMSimulateKeyPress_f) X(TVPMSpeakString_f) X(TVPMCommandKeyStroke_f)                \
+    X(TVPMCommandButtonPress_f) X(TVPMGetSystemPath_f) X(TVPMGetPrefsPath_f) X(TVPMGetVersions_f)                 \
+    X(TVPMGetLanguage_f) X(TVPMDebugString_f) X(TVPMFindSymbol_f) X(TVPMReinitFlight_f)                           \
+    X(TorvaneReceiveMessage_f) X(TVPMShouldLoadPlugin_f) X(TVPMCreateMenu_f) X(TVPMAppendMenu_f)                  \
+    X(TVPMAppendMenuWithCommand_f) X(TVPMSetMenuTitle_f) X(TVPMDestroyMenu_f) X(TVPMRemoveMenuItem_f)             \
+    X(TVPMCreateGuiPluginWindow_f) X(TVPMDestroyGuiPluginWindow_f) X(TVPMGuiPluginWindowIsVisible_f)              \
+    X(TVPMHideGuiPluginWindow_f) X(TVPMShowGuiPluginWindow_f) X(TVPMGetGuiPluginWindowBounds_f)                   \
+    X(TVPMSetGuiPluginWindowBounds_f) X(TVPMGetPopoutWindowOSBounds_f) X(TVPMSetPopoutWindowOSBounds_f)           \
+    X(TVPMWindowIsPoppedOut_f) X(TVPMWindowIsInVr_f) X(TVPMBringGuiWindowToFront_f) X(TVPMGuiWindowIsInFront_f)   \
+    X(TVPMSetWindowPositioningMode_f) X(TVPMSetWindowResizingLimits_f) X(TVPMSetWindowGravity_f)                  \
+    X(TVPMSetWindowTitle_f) X(TVPMGetWindowVrSize_f) X(TVPMSetWindowVrSize_f) X(TVPMCreateMapLayer_f)             \
+    X(TVPMDrawMapIconFromSheet_f) X(TVPMDrawMapLabel_f) X(TVPMMapProject_f) X(TVPMMapUnproject_f)                 \
+    X(TVPMMapScaleMeter_f) X(TVPMMapGetNorthHeading_f) X(TVPMMapExists_f) X(TVPMDestroyMapLayer_f)                \
+    X(TVPMGetFirstNavAid_f) X(TVPMGetNextNavAid_f) X(TVPMFindFirstNavAidOfType_f) X(TVPMFindLastNavAidOfType_f)   \
+    X(TVPMFindNavAid_f) X(TVPMGetNavAidInfo_f) X(TVPMCountFMSEntries_f) X(TVPMGetDisplayedFMSEntry_f)             \
+    X(TVPMGetDestinationFMSEntry_f) X(TVPMSetDisplayedFMSEntry_f) X(TVPMSetDestinationFMSEntry_f)                 \
+    X(TVPMGetFMSEntryInfo_f) X(TVPMSetFMSEntryInfo_f) X(TVPMSetFMSEntryLatLon_f) X(TVPMClearFMSEntry_f)           \
+    X(TVPMCountFMSFlightPlanEntries_f) X(TVPMGetDisplayedFMSFlightPlanEntry_f)                                    \
+    X(TVPMGetDestinationFMSFlightPlanEntry_f) X(TVPMSetDisplayedFMSFlightPlanEntry_f)                             \
+    X(TVPMSetDestinationFMSFlightPlanEntry_f) X(TVPMSetDirectToFMSFlightPlanEntry_f)                              \
+    X(TVPMGetFMSFlightPlanEntryInfo_f) X(TVPMSetFMSFlightPlanEntryInfo_f) X(TVPMSetFMSFlightPlanEntryLatLon_f)    \
+    X(TVPMSetFMSFlightPlanEntryLatLonWithId_f) X(TVPMClearFMSFlightPlanEntry_f) X(TVPMLoadFMSFlightPlan_f)        \
+    X(TVPMSaveFMSFlightPlan_f) X(TVPMGetGPSDestinationType_f) X(TVPMGetGPSDestination_f)                          \
+    X(TVPMDisplayModalAlert_f) X(TVPMDisplayDismissableAlert_f) X(TVPMDisplayInitString_f)                        \
+    X(TVPMHandleAssertFailed_f) X(TVPMFindCreateCommand_f) X(TVPMDoCommandBegin_f) X(TVPMDoCommandContinue_f)     \
+    X(TVPMDoCommandEnd_f) X(TVPMAllocateProbe_f) X(TVPMProbeY_f) X(TVPMLoadObject_f) X(TVPMDrawObject_f)          \
+    X(TVPMUnloadObject_f) X(TVPMLookupObjects_f) X(TVPMLoadObjectAsync_f) X(TVPMShiftScenery_f)                   \
+    X(TVPMGetMagneticVariation_f) X(TVPMDegTrueToDegMagnetic_f) X(TVPMDegMagneticToDegTrue_f)                     \
+    X(TVPMLoadDataFile_f) X(TVPMSaveDataFile_f) X(TVPMGetFMODSystem_f) X(TVPMGetFMODStudio_f)                     \
+    X(TVPMGetFMODBus_f) X(TVPMGetWeatherAtPt_f) X(TVPMGetLastKnownMETAR_f) X(TVPMSetWeatherAtPt_f)                \
+    X(TVPMEraseWeatherAtPt_f) X(TVPMSetWeatherAtAirport_f) X(TVPMEraseWeatherAtAirport_f)                         \
+    X(TVPMBeginWeatherUpdate_f) X(TVPMEndWeatherUpdate_f)
+
+#define TVPM_COUNT_SLOT(slot) +1
+static_assert(offsetof(TVPMHooks, TVPMHostReady_f) + (0 TVPM_FAKE_HOST_SLOTS(TVPM_COUNT_SLOT)) * sizeof(void*) ==
+                  sizeof(TVPMHooks),
+              "the fake host lists every slot of the table");
+#undef TVPM_COUNT_SLOT
+
 void InstallAll(TVPMHooks& hooks) {
-#define INSTALL(slot) Install<&TVPMHooks::slot>(hooks, #slot)
-    INSTALL(TVPMHostReady_f);
-    INSTALL(TVPMCreateAvionics_f);
-    INSTALL(TVPMDestroyAvionics_f);
-    INSTALL(TVPMIsAvionicsBound_f);
-    INSTALL(TVPMSetAvionicsBrightness_f);
-    INSTALL(TVPMGetAvionicsBrightness_f);
-    INSTALL(TVPMGetAvionicsBusVolts_f);
-    INSTALL(TVPMSetAvionicsPopupVisible_f);
-    INSTALL(TVPMIsAvionicsPopupVisible_f);
-    INSTALL(TVPMPopOutAvionics_f);
-    INSTALL(TVPMIsAvionicsPoppedOut_f);
-    INSTALL(TVPMIsMouseOverAvionics_f);
-    INSTALL(TVPMAvionicsNeedsDrawing_f);
-    INSTALL(TVPMTakeAvionicsKeyboardFocus_f);
-    INSTALL(TVPMHasAvionicsKeyboardFocus_f);
-    INSTALL(TVPMGetAvionicsWindowBounds_f);
-    INSTALL(TVPMSetAvionicsWindowBounds_f);
-    INSTALL(TVPMGetAvionicsWindowBoundsOS_f);
-    INSTALL(TVPMSetAvionicsWindowBoundsOS_f);
-    INSTALL(TVPMGetScreenSize_f);
-    INSTALL(TVPMGetScreenBoundsGlobal_f);
-    INSTALL(TVPMGetAllMonitorBoundsGlobal_f);
-    INSTALL(TVPMGetAllMonitorBoundsOS_f);
-    INSTALL(TVPMGetMouseLocation_f);
-    INSTALL(TVPMGetMouseLocationGlobal_f);
-    INSTALL(TVPMSetPluginMouseFocus_f);
-    INSTALL(TVPMSetGraphicsState_f);
-    INSTALL(TVPMBindTexture2d_f);
-    INSTALL(TVPMGenerateTextureIDs_f);
-    INSTALL(TVPMGetTexture_f);
-    INSTALL(TVPMWorldToLocal_f);
-    INSTALL(TVPMLocalToWorld_f);
-    INSTALL(TVPMDrawTranslucentDarkBox_f);
-    INSTALL(TVPMDrawString_f);
-    INSTALL(TVPMDrawNumber_f);
-    INSTALL(TVPMGetFontDimensions_f);
-    INSTALL(TVPMMeasureString_f);
-    INSTALL(TVPMCreateInstance_f);
-    INSTALL(TVPMDestroyInstance_f);
-    INSTALL(TVPMInstanceSetAutoShift_f);
-    INSTALL(TVPMInstanceSetPosition_f);
-    INSTALL(TVPMInstanceSetPositionDouble_f);
-    INSTALL(TVPMInstanceSetData_f);
-    INSTALL(TVPMInstanceEnable_f);
-    INSTALL(TVPMInstanceDisable_f);
-    INSTALL(TVPMGetElapsedTime_f);
-    INSTALL(TVPMReadCameraPosition_f);
-    INSTALL(TVPMDrawPlane_f);
-    INSTALL(TVPMLoadPlane_f);
-    INSTALL(TVPMGetPlaneName_f);
-    INSTALL(TVPMCountPlanes_f);
-    INSTALL(TVPMLoadAirport_f);
-    INSTALL(TVPMInitAtLocation_f);
-    INSTALL(TVPMInitFlight_f);
-    INSTALL(TVPMUpdateFlight_f);
-    INSTALL(TVPMSimulateKeyPress_f);
-    INSTALL(TVPMSpeakString_f);
-    INSTALL(TVPMCommandKeyStroke_f);
-    INSTALL(TVPMCommandButtonPress_f);
-    INSTALL(TVPMGetSystemPath_f);
-    INSTALL(TVPMGetPrefsPath_f);
-    INSTALL(TVPMGetVersions_f);
-    INSTALL(TVPMGetLanguage_f);
-    INSTALL(TVPMDebugString_f);
-    INSTALL(TVPMFindSymbol_f);
-    INSTALL(TVPMReinitFlight_f);
-    INSTALL(TorvaneReceiveMessage_f);
-    INSTALL(TVPMShouldLoadPlugin_f);
-    INSTALL(TVPMCreateMenu_f);
-    INSTALL(TVPMAppendMenu_f);
-    INSTALL(TVPMAppendMenuWithCommand_f);
-    INSTALL(TVPMSetMenuTitle_f);
-    INSTALL(TVPMDestroyMenu_f);
-    INSTALL(TVPMRemoveMenuItem_f);
-    INSTALL(TVPMCreateGuiPluginWindow_f);
-    INSTALL(TVPMDestroyGuiPluginWindow_f);
-    INSTALL(TVPMGuiPluginWindowIsVisible_f);
-    INSTALL(TVPMHideGuiPluginWindow_f);
-    INSTALL(TVPMShowGuiPluginWindow_f);
-    INSTALL(TVPMGetGuiPluginWindowBounds_f);
-    INSTALL(TVPMSetGuiPluginWindowBounds_f);
-    INSTALL(TVPMGetPopoutWindowOSBounds_f);
-    INSTALL(TVPMSetPopoutWindowOSBounds_f);
-    INSTALL(TVPMWindowIsPoppedOut_f);
-    INSTALL(TVPMWindowIsInVr_f);
-    INSTALL(TVPMBringGuiWindowToFront_f);
-    INSTALL(TVPMGuiWindowIsInFront_f);
-    INSTALL(TVPMSetWindowPositioningMode_f);
-    INSTALL(TVPMSetWindowResizingLimits_f);
-    INSTALL(TVPMSetWindowGravity_f);
-    INSTALL(TVPMSetWindowTitle_f);
-    INSTALL(TVPMGetWindowVrSize_f);
-    INSTALL(TVPMSetWindowVrSize_f);
-    INSTALL(TVPMCreateMapLayer_f);
-    INSTALL(TVPMDrawMapIconFromSheet_f);
-    INSTALL(TVPMDrawMapLabel_f);
-    INSTALL(TVPMMapProject_f);
-    INSTALL(TVPMMapUnproject_f);
-    INSTALL(TVPMMapScaleMeter_f);
-    INSTALL(TVPMMapGetNorthHeading_f);
-    INSTALL(TVPMMapExists_f);
-    INSTALL(TVPMDestroyMapLayer_f);
-    INSTALL(TVPMGetFirstNavAid_f);
-    INSTALL(TVPMGetNextNavAid_f);
-    INSTALL(TVPMFindFirstNavAidOfType_f);
-    INSTALL(TVPMFindLastNavAidOfType_f);
-    INSTALL(TVPMFindNavAid_f);
-    INSTALL(TVPMGetNavAidInfo_f);
-    INSTALL(TVPMCountFMSEntries_f);
-    INSTALL(TVPMGetDisplayedFMSEntry_f);
-    INSTALL(TVPMGetDestinationFMSEntry_f);
-    INSTALL(TVPMSetDisplayedFMSEntry_f);
-    INSTALL(TVPMSetDestinationFMSEntry_f);
-    INSTALL(TVPMGetFMSEntryInfo_f);
-    INSTALL(TVPMSetFMSEntryInfo_f);
-    INSTALL(TVPMSetFMSEntryLatLon_f);
-    INSTALL(TVPMClearFMSEntry_f);
-    INSTALL(TVPMCountFMSFlightPlanEntries_f);
-    INSTALL(TVPMGetDisplayedFMSFlightPlanEntry_f);
-    INSTALL(TVPMGetDestinationFMSFlightPlanEntry_f);
-    INSTALL(TVPMSetDisplayedFMSFlightPlanEntry_f);
-    INSTALL(TVPMSetDestinationFMSFlightPlanEntry_f);
-    INSTALL(TVPMSetDirectToFMSFlightPlanEntry_f);
-    INSTALL(TVPMGetFMSFlightPlanEntryInfo_f);
-    INSTALL(TVPMSetFMSFlightPlanEntryInfo_f);
-    INSTALL(TVPMSetFMSFlightPlanEntryLatLon_f);
-    INSTALL(TVPMSetFMSFlightPlanEntryLatLonWithId_f);
-    INSTALL(TVPMClearFMSFlightPlanEntry_f);
-    INSTALL(TVPMLoadFMSFlightPlan_f);
-    INSTALL(TVPMSaveFMSFlightPlan_f);
-    INSTALL(TVPMGetGPSDestinationType_f);
-    INSTALL(TVPMGetGPSDestination_f);
-    INSTALL(TVPMDisplayModalAlert_f);
-    INSTALL(TVPMDisplayDismissableAlert_f);
-    INSTALL(TVPMDisplayInitString_f);
-    INSTALL(TVPMHandleAssertFailed_f);
-    INSTALL(TVPMFindCreateCommand_f);
-    INSTALL(TVPMDoCommandBegin_f);
-    INSTALL(TVPMDoCommandContinue_f);
-    INSTALL(TVPMDoCommandEnd_f);
-    INSTALL(TVPMAllocateProbe_f);
-    INSTALL(TVPMProbeY_f);
-    INSTALL(TVPMLoadObject_f);
-    INSTALL(TVPMDrawObject_f);
-    INSTALL(TVPMUnloadObject_f);
-    INSTALL(TVPMLookupObjects_f);
-    INSTALL(TVPMLoadObjectAsync_f);
-    INSTALL(TVPMShiftScenery_f);
-    INSTALL(TVPMGetMagneticVariation_f);
-    INSTALL(TVPMDegTrueToDegMagnetic_f);
-    INSTALL(TVPMDegMagneticToDegTrue_f);
-    INSTALL(TVPMLoadDataFile_f);
-    INSTALL(TVPMSaveDataFile_f);
-    INSTALL(TVPMGetFMODSystem_f);
-    INSTALL(TVPMGetFMODStudio_f);
-    INSTALL(TVPMGetFMODBus_f);
-    INSTALL(TVPMGetWeatherAtPt_f);
-    INSTALL(TVPMGetLastKnownMETAR_f);
-    INSTALL(TVPMSetWeatherAtPt_f);
-    INSTALL(TVPMEraseWeatherAtPt_f);
-    INSTALL(TVPMSetWeatherAtAirport_f);
-    INSTALL(TVPMEraseWeatherAtAirport_f);
-    INSTALL(TVPMBeginWeatherUpdate_f);
-    INSTALL(TVPMEndWeatherUpdate_f);
+#define INSTALL(slot) Install<&TVPMHooks::slot>(hooks, #slot);
+    TVPM_FAKE_HOST_SLOTS(INSTALL)
 #undef INSTALL
 }
 
@@ -257,11 +152,8 @@ size_t FakeHost::Count(const std::string& slot) const { return CallsTo(slot).siz
 
 std::vector<std::string> FakeHost::SlotSequence(const std::vector<std::string>& only) const {
     std::vector<std::string> out;
-    for (const HostCall& c : calls_) {
-        bool keep = only.empty();
-        for (const std::string& s : only) keep = keep || s == c.slot;
-        if (keep) out.push_back(c.slot);
-    }
+    for (const HostCall& c : calls_)
+        if (only.empty() || std::find(only.begin(), only.end(), c.slot) != only.end()) out.push_back(c.slot);
     return out;
 }
 
@@ -276,24 +168,11 @@ std::string FakeHost::Log() const {
 }
 
 std::string FormatArg(const char* s) { return s ? "\"" + std::string(s) + "\"" : "null"; }
-// Non-const char* slots are output buffers: record where, not what.
 std::string FormatArg(char* s) { return FormatArg(static_cast<const void*>(s)); }
 std::string FormatArg(const void* p) {
     if (!p) return "null";
     char text[32];
     snprintf(text, sizeof text, "0x%" PRIxPTR, reinterpret_cast<uintptr_t>(p));
-    return text;
-}
-std::string FormatArg(bool v) { return v ? "true" : "false"; }
-std::string FormatArg(char v) { return std::to_string(static_cast<int>(v)); }
-std::string FormatArg(int v) { return std::to_string(v); }
-std::string FormatArg(unsigned v) { return std::to_string(v); }
-std::string FormatArg(long v) { return std::to_string(v); }
-std::string FormatArg(unsigned long v) { return std::to_string(v); }
-std::string FormatArg(float v) { return FormatArg(static_cast<double>(v)); }
-std::string FormatArg(double v) {
-    char text[64];
-    snprintf(text, sizeof text, "%g", v);
     return text;
 }
 

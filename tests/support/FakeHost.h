@@ -1,6 +1,7 @@
 // FakeHost.h: a recording stand-in for the simulator: all 164 hook slots record their calls, and any slot can be overridden.
 #pragma once
 
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <type_traits>
@@ -60,16 +61,22 @@ private:
 // ---- argument formatting ----------------------------------------------------
 
 std::string FormatArg(const char* s);
-std::string FormatArg(char* s);
+std::string FormatArg(char* s);  // an output buffer: where, not what
 std::string FormatArg(const void* p);
-std::string FormatArg(bool v);
-std::string FormatArg(char v);
-std::string FormatArg(int v);
-std::string FormatArg(unsigned v);
-std::string FormatArg(long v);
-std::string FormatArg(unsigned long v);
-std::string FormatArg(float v);
-std::string FormatArg(double v);
+template <class T, class = std::enable_if_t<std::is_arithmetic_v<T> || std::is_enum_v<T>>>
+std::string FormatArg(T v) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return v ? "true" : "false";
+    } else if constexpr (std::is_floating_point_v<T>) {
+        char text[64];
+        snprintf(text, sizeof text, "%g", static_cast<double>(v));
+        return text;
+    } else if constexpr (std::is_enum_v<T>) {
+        return std::to_string(static_cast<long long>(v));
+    } else {
+        return std::to_string(+v);  // + makes a char its number
+    }
+}
 template <class T>
 std::string FormatArg(T* p) {
     return FormatArg(static_cast<const void*>(p));

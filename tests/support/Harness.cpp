@@ -1,9 +1,6 @@
 // Harness.cpp: the test executable's side of the scripted plugins, and temporary simulator folders.
 #include "Harness.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,11 +13,6 @@ namespace tvpmtest {
 
 namespace {
 
-std::map<std::string, PluginScript>& Scripts() {
-    static std::map<std::string, PluginScript> scripts;
-    return scripts;
-}
-
 std::string KeyOf(const char* path) {
     std::string p(path ? path : "");
     size_t at = p.rfind("plugins/");
@@ -30,9 +22,23 @@ std::string KeyOf(const char* path) {
 
 void Copy(char* out, const std::string& text) { snprintf(out, 256, "%s", text.c_str()); }
 
+std::string CopyPlugin(const std::string& built, const std::string& to) {
+    fs::create_directories(fs::path(to).parent_path());
+    fs::copy_file(built, to, fs::copy_options::overwrite_existing);
+    return to;
+}
+
+// Fat plugins <folder>plugins/<name>/lin_x64/<name>.tvp, as aircraft and scenery packs hold them.
+void AddFatPlugins(const std::string& folder, const std::vector<std::string>& plugins, const std::string& built) {
+    for (const std::string& name : plugins) CopyPlugin(built, folder + "plugins/" + name + "/lin_x64/" + name + ".tvp");
+}
+
 }  // namespace
 
-PluginScript& Script(const std::string& key) { return Scripts()[key]; }
+PluginScript& Script(const std::string& key) {
+    static std::map<std::string, PluginScript> scripts;
+    return scripts[key];
+}
 
 std::vector<std::string>& Journal() {
     static std::vector<std::string> journal;
@@ -50,9 +56,8 @@ std::string BuiltPlugin(const std::string& file) { return std::string(TVPM_TEST_
 
 SimFolder::SimFolder() {
     char pattern[] = "/tmp/tvpm-sim-XXXXXX";
-    char* made = mkdtemp(pattern);
-    if (!made) abort();
-    root_ = std::string(made) + "/";
+    if (!mkdtemp(pattern)) abort();
+    root_ = std::string(pattern) + "/";
     fs::create_directories(PluginsDir());
 }
 
@@ -67,24 +72,13 @@ std::string SimFolder::MakeDir(const std::string& relative) {
 }
 
 std::string SimFolder::AddLoose(const std::string& fileName, const std::string& built) {
-    std::string to = PluginsDir() + "/" + fileName;
-    fs::copy_file(built, to, fs::copy_options::overwrite_existing);
-    return to;
+    return CopyPlugin(built, PluginsDir() + "/" + fileName);
 }
 
-std::string SimFolder::AddFat(const std::string& name, const std::string& layout,
-                              const std::string& built) {
-    std::string dir = PluginsDir() + "/" + name;
-    std::string file;
-    if (layout == "lin_x64")
-        file = dir + "/lin_x64/" + name + ".tvp";
-    else if (layout == "64")
-        file = dir + "/64/lin.tvp";
-    else
-        file = dir + "/lin.tvp";
-    fs::create_directories(fs::path(file).parent_path());
-    fs::copy_file(built, file, fs::copy_options::overwrite_existing);
-    return file;
+std::string SimFolder::AddFat(const std::string& name, const std::string& layout, const std::string& built) {
+    const std::string dir = PluginsDir() + "/" + name;
+    if (layout == "lin_x64") return CopyPlugin(built, dir + "/lin_x64/" + name + ".tvp");
+    return CopyPlugin(built, dir + (layout == "64" ? "/64/lin.tvp" : "/lin.tvp"));
 }
 
 std::string SimFolder::WriteFile(const std::string& relative, const std::string& bytes) {
@@ -96,24 +90,15 @@ std::string SimFolder::WriteFile(const std::string& relative, const std::string&
 
 std::string SimFolder::AddAircraft(const std::string& acf, const std::vector<std::string>& plugins,
                                    const std::string& built) {
-    std::string folder = MakeDir("Aircraft/" + acf);
-    for (const std::string& name : plugins) {
-        std::string file = folder + "/plugins/" + name + "/lin_x64/" + name + ".tvp";
-        fs::create_directories(fs::path(file).parent_path());
-        fs::copy_file(built, file, fs::copy_options::overwrite_existing);
-    }
+    const std::string folder = MakeDir("Aircraft/" + acf);
+    AddFatPlugins(folder + "/", plugins, built);
     return folder + "/" + acf + ".acf";
 }
 
-std::string SimFolder::AddSceneryPack(const std::string& pack,
-                                      const std::vector<std::string>& plugins,
+std::string SimFolder::AddSceneryPack(const std::string& pack, const std::vector<std::string>& plugins,
                                       const std::string& built) {
-    std::string folder = MakeDir("Custom Scenery/" + pack) + "/";
-    for (const std::string& name : plugins) {
-        std::string file = folder + "plugins/" + name + "/lin_x64/" + name + ".tvp";
-        fs::create_directories(fs::path(file).parent_path());
-        fs::copy_file(built, file, fs::copy_options::overwrite_existing);
-    }
+    const std::string folder = MakeDir("Custom Scenery/" + pack) + "/";
+    AddFatPlugins(folder, plugins, built);
     return folder;
 }
 
@@ -121,47 +106,40 @@ std::string SimFolder::AddSceneryPack(const std::string& pack,
 
 // ---- entry points called by scripted.tvp (exported from the test executable) ----
 
+#define TVPM_HARNESS_ENTRY extern "C" __attribute__((visibility("default")))
 using tvpmtest::Journal;
 using tvpmtest::KeyOf;
 using tvpmtest::Script;
 
-extern "C" __attribute__((visibility("default"))) int TestHarness_Start(const char* path, char* name,
-                                                                       char* signature,
-                                                                       char* description) {
+TVPM_HARNESS_ENTRY int TestHarness_Start(const char* path, char* name, char* signature, char* description) {
     const std::string key = KeyOf(path);
     Journal().push_back(key + ":start");
-    auto& s = Script(key);
     tvpmtest::Copy(name, key);
     tvpmtest::Copy(signature, "test." + key);
     tvpmtest::Copy(description, "scripted test plugin");
-    return s.start ? s.start(name, signature, description) : 1;
+    auto& f = Script(key).start;
+    return f ? f(name, signature, description) : 1;
 }
 
-extern "C" __attribute__((visibility("default"))) void TestHarness_Stop(const char* path) {
-    const std::string key = KeyOf(path);
-    Journal().push_back(key + ":stop");
-    if (auto& f = Script(key).stop) f();
+TVPM_HARNESS_ENTRY void TestHarness_Stop(const char* path) {
+    Journal().push_back(KeyOf(path) + ":stop");
+    if (auto& f = Script(KeyOf(path)).stop) f();
 }
 
-extern "C" __attribute__((visibility("default"))) int TestHarness_Enable(const char* path) {
-    const std::string key = KeyOf(path);
-    Journal().push_back(key + ":enable");
-    auto& f = Script(key).enable;
+TVPM_HARNESS_ENTRY int TestHarness_Enable(const char* path) {
+    Journal().push_back(KeyOf(path) + ":enable");
+    auto& f = Script(KeyOf(path)).enable;
     return f ? f() : 1;
 }
 
-extern "C" __attribute__((visibility("default"))) void TestHarness_Disable(const char* path) {
-    const std::string key = KeyOf(path);
-    Journal().push_back(key + ":disable");
-    if (auto& f = Script(key).disable) f();
+TVPM_HARNESS_ENTRY void TestHarness_Disable(const char* path) {
+    Journal().push_back(KeyOf(path) + ":disable");
+    if (auto& f = Script(KeyOf(path)).disable) f();
 }
 
-extern "C" __attribute__((visibility("default"))) void TestHarness_Message(const char* path,
-                                                                          TVPMPluginID from,
-                                                                          int message, void* param) {
+TVPM_HARNESS_ENTRY void TestHarness_Message(const char* path, TVPMPluginID from, int message, void* param) {
     const std::string key = KeyOf(path);
-    Journal().push_back(key + ":message " + std::to_string(message) + " from " +
-                        std::to_string(from));
+    Journal().push_back(key + ":message " + std::to_string(message) + " from " + std::to_string(from));
     // A copy: the handler may replace the script while it runs.
     if (auto f = Script(key).message) f(from, message, param);
 }

@@ -21,7 +21,6 @@ inline std::string BinaryDir() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path().string();
 }
 
-inline std::string Host() { return BinaryDir() + "/host/tvpm-host"; }
 inline std::string TestPlugin(const std::string& name) { return std::string(TVPM_TEST_PLUGIN_DIR) + "/" + name; }
 
 // Runs a shell command; its exit status (-1 when it did not exit) and what it printed.
@@ -36,12 +35,11 @@ inline HostOutcome RunShell(const std::string& command) {
     return o;
 }
 
-inline HostOutcome RunHost(const std::string& args) { return RunShell("'" + Host() + "' " + args); }
+inline HostOutcome RunHost(const std::string& args) { return RunShell("'" + BinaryDir() + "/host/tvpm-host' " + args); }
 
 inline std::string Slurp(const std::string& file) {
-    std::ifstream in(file);
     std::stringstream s;
-    s << in.rdbuf();
+    s << std::ifstream(file).rdbuf();
     return s.str();
 }
 
@@ -59,6 +57,14 @@ public:
     TempDir& operator=(const TempDir&) = delete;
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
     const std::string& Path() const { return path_; }
+
+    // A copy of broken_cases.tvp named for one of its cases, which it then acts out.
+    std::string BrokenCase(const std::string& name) const {
+        const std::string file = *this / (name + ".tvp");
+        std::filesystem::copy_file(TestPlugin("broken_cases.tvp"), file,
+                                   std::filesystem::copy_options::overwrite_existing);
+        return file;
+    }
 
 private:
     std::string path_;
