@@ -9,7 +9,7 @@
 
 TVPMHooks* gHooks = nullptr;
 TVPMPluginTable gAllPlugins;
-TVPMPluginID gDispatchedPlugin = 0;
+TVPMCurrentPlugins gCurrentPlugins = {0, 0};
 bool gTVPMDiagnostics = false;
 void __TVPMValidateThreadSafety(const char*, const char*, int) {}
 void TVPMSendError(const char*) {}
