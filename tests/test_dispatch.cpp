@@ -76,13 +76,6 @@ TEST_F(Dispatch, TheReceiverIsCurrentAndTheSenderIsItsClientAtEveryLevel) {
     EXPECT_EQ(s_seen, Lines{simulator}) << "the caller stays known while a disabled plugin is skipped";
 }
 
-TEST_F(Dispatch, NoTrafficControllerMeansNoInfo) {
-    char name[256] = "untouched", signature[256] = "untouched";
-    EXPECT_EQ(TVPMGetTrafficControlPluginInfo(name, signature), -1);
-    EXPECT_STREQ(name, "untouched");
-    EXPECT_STREQ(signature, "untouched");
-}
-
 namespace {
 float SlowLoop(float, float, int, void*) {
     std::this_thread::sleep_for(std::chrono::microseconds(1500));
