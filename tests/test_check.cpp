@@ -169,9 +169,7 @@ TEST(CheckExamples, PassAtTheDefaultAndTheHighestLevel) {
         const HostOutcome o = RunHost("--check --frames 20 " + level);
         EXPECT_EQ(o.status, 0) << level << "\n" << o.output;
         EXPECT_TRUE(std::regex_search(o.output, std::regex("\\n(\\d+) of \\1 plugins passed( \\(strict\\))?: all passed"))) << o.output;
-        for (const char* expected : {"PASS  Panel Clock", "PASS  Clock Listener", "PASS  World Tour",
-                                     "PASS  Example Avionics (aircraft)"})
-            EXPECT_NE(o.output.find(expected), std::string::npos) << expected << "\n" << o.output;
+        EXPECT_NE(o.output.find("PASS  Example Avionics (aircraft)"), std::string::npos) << o.output;
     }
     EXPECT_EQ(Slurp(dir / "check.json").rfind("{\"schemaVersion\":2,\"mode\":\"check\",\"level\":3,\"strict\":false,\"ok\":true", 0), 0u)
         << Slurp(dir / "check.json");
