@@ -1,20 +1,16 @@
-// test_dataref_access.cpp: typed reads and writes reach exactly one accessor in the owner's context, and shared data between plugins.
+// test_dataref_access.cpp: typed reads and writes reach exactly one accessor in the owner's context and shared data between plugins.
 #include <gtest/gtest.h>
 
-#include "FakeHost.h"
-#include "Harness.h"
-#include "SimTest.h"
 #include "TVPM/TVPMDataAccess.h"
-#include "TVPM/TVPMPlugin.h"
 #include "data_test_util.h"
 
-using namespace tvpmtest;
 using namespace datatest;
+using Texts = std::vector<std::string>;
 
 namespace {
 
-// Every accessor call, as "name refcon-tag args" lines, with the current plugin.
-std::vector<std::string> s_calls;
+// Every accessor call as "name args", with the plugin current during it.
+Texts s_calls;
 std::vector<TVPMPluginID> s_callers;
 int s_refTag = 7;
 
@@ -22,15 +18,15 @@ void Note(const std::string& what) {
     s_calls.push_back(what);
     s_callers.push_back(TVPMGetMyID());
 }
+std::string Args(const void* p, int offset, int n) {
+    return std::string(p ? "buf " : "null ") + std::to_string(offset) + " " + std::to_string(n);
+}
 int GetI(void* ref) { Note("readInt " + std::to_string(*static_cast<int*>(ref))); return 41; }
 void SetI(void*, int v) { Note("writeInt " + std::to_string(v)); }
 float GetF(void*) { Note("readFloat"); return 1.5f; }
 void SetF(void*, float v) { Note("writeFloat " + std::to_string(v)); }
 double GetD(void*) { Note("readDouble"); return 2.25; }
 void SetD(void*, double v) { Note("writeDouble " + std::to_string(v)); }
-std::string Args(const void* p, int offset, int n) {
-    return std::string(p ? "buf " : "null ") + std::to_string(offset) + " " + std::to_string(n);
-}
 int GetVI(void*, int* out, int offset, int max) { Note("readIntArray " + Args(out, offset, max)); return 3; }
 void SetVI(void*, int* in, int offset, int n) { Note("writeIntArray " + Args(in, offset, n)); }
 int GetVF(void*, float* out, int offset, int max) { Note("readFloatArray " + Args(out, offset, max)); return 4; }
@@ -44,105 +40,85 @@ TVPMDataRef RegisterAll(const char* name, int writable) {
                                     SetVI, GetVF, SetVF, GetB, SetB, &s_refTag, &s_refTag);
 }
 
-struct TypedAccess : SimTest {
-    TVPMDataRef all = nullptr;
-    void SetUp() override {
-        AddScripted({"alpha.tvp", "beta.tvp"});
-        Script("alpha.tvp").enable = [this] {
-            if (!all) all = RegisterAll("test/all", 1);
-            return 1;
-        };
-        Script("beta.tvp").enable = [] { ListenForErrors<2>(); return 1; };
-        ASSERT_EQ(host.Start(sim.Root()), 23);
-    }
-};
-
-void ReadAndWriteEverything(TVPMDataRef ref, std::vector<double>& results) {
+// Arguments go through unchecked, null buffers and negative offsets included.
+std::vector<double> ReadAndWriteEverything(TVPMDataRef ref) {
     int ints[4] = {};
-    float floats[4] = {};
     char bytes[4] = {};
-    results = {static_cast<double>(TVPMGetDatai(ref)), TVPMGetDataf(ref), TVPMGetDatad(ref),
-               static_cast<double>(TVPMGetDatavi(ref, ints, 1, 4)),
-               static_cast<double>(TVPMGetDatavf(ref, floats, 2, 4)),
-               static_cast<double>(TVPMGetDatab(ref, bytes, 3, 4))};
+    std::vector<double> results{static_cast<double>(TVPMGetDatai(ref)), TVPMGetDataf(ref), TVPMGetDatad(ref),
+                                static_cast<double>(TVPMGetDatavi(ref, ints, 1, 4)),
+                                static_cast<double>(TVPMGetDatavf(ref, nullptr, -3, 0)),
+                                static_cast<double>(TVPMGetDatab(ref, bytes, 3, 4))};
     TVPMSetDatai(ref, 9);
     TVPMSetDataf(ref, 0.5f);
     TVPMSetDatad(ref, 0.25);
     TVPMSetDatavi(ref, ints, 1, 2);
-    TVPMSetDatavf(ref, floats, 2, 3);
-    TVPMSetDatab(ref, bytes, 3, 4);
+    TVPMSetDatavf(ref, nullptr, 2, 3);
+    TVPMSetDatab(ref, bytes, -1, 1 << 30);
+    return results;
 }
+
+struct TypedAccess : TwoPlugins {
+    TVPMDataRef all = nullptr;
+    void SetUp() override {
+        TwoPlugins::SetUp();
+        Script("alpha.tvp").enable = [this] {
+            if (!all) all = RegisterAll("test/all", 1);
+            return 1;
+        };
+        Start();
+    }
+};
 
 }  // namespace
 
 TEST_F(TypedAccess, EachCallReachesItsOwnAccessorInTheOwnersContext) {
     std::vector<double> results;
-    AsPlugin("beta.tvp", [&] { ReadAndWriteEverything(all, results); });
+    RunAs("beta.tvp", [&] { results = ReadAndWriteEverything(all); });
     EXPECT_EQ(results, (std::vector<double>{41, 1.5, 2.25, 3, 4, 5}));
-    EXPECT_EQ(s_calls, (std::vector<std::string>{
-                           "readInt 7", "readFloat", "readDouble", "readIntArray buf 1 4",
-                           "readFloatArray buf 2 4", "readData buf 3 4", "writeInt 9",
-                           "writeFloat 0.500000", "writeDouble 0.250000", "writeIntArray buf 1 2",
-                           "writeFloatArray buf 2 3", "writeData buf 3 4"}));
-    EXPECT_EQ(s_callers, std::vector<TVPMPluginID>(12, IdOf("alpha.tvp")));
-    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMGetMyID(), IdOf("beta.tvp")); });
+    EXPECT_EQ(s_calls, (Texts{"readInt 7", "readFloat", "readDouble", "readIntArray buf 1 4",
+                              "readFloatArray null -3 0", "readData buf 3 4", "writeInt 9",
+                              "writeFloat 0.500000", "writeDouble 0.250000", "writeIntArray buf 1 2",
+                              "writeFloatArray null 2 3", "writeData buf -1 1073741824"}));
+    EXPECT_EQ(s_callers, std::vector<TVPMPluginID>(12, alpha));
+    RunAs("beta.tvp", [&] { EXPECT_EQ(TVPMGetMyID(), beta); });
 }
 
-TEST_F(TypedAccess, ArgumentsArePassedThroughUnchecked) {
-    EXPECT_EQ(TVPMGetDatavf(all, nullptr, -3, 0), 4);
-    TVPMSetDatab(all, nullptr, -1, 1 << 30);
-    EXPECT_EQ(s_calls, (std::vector<std::string>{"readFloatArray null -3 0",
-                                                 "writeData null -1 1073741824"}));
-}
-
-TEST_F(TypedAccess, SilentZeroForNullHandlesMissingAccessorsAndReadOnlyItems) {
+TEST_F(TypedAccess, SilentZeroForNullHandlesMissingAccessorsReadOnlyItemsAndOwnersThatCannotRun) {
     TVPMDataRef readOnly = nullptr, intOnly = nullptr;
-    AsPlugin("alpha.tvp", [&] {
+    RunAs("alpha.tvp", [&] {
         readOnly = RegisterAll("test/read_only", 0);
         intOnly = TVPMRegisterDataAccessor("test/int_only", tvpmType_Int, 1, GetI, SetI, nullptr,
                                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                            nullptr, nullptr, nullptr, &s_refTag, &s_refTag);
     });
-    std::vector<double> results;
-    AsPlugin("beta.tvp", [&] {
-        ReadAndWriteEverything(nullptr, results);
-        EXPECT_EQ(results, std::vector<double>(6, 0));
+    RunAs("beta.tvp", [&] {
+        EXPECT_EQ(ReadAndWriteEverything(nullptr), std::vector<double>(6, 0));
         EXPECT_TRUE(s_calls.empty());
-
-        ReadAndWriteEverything(readOnly, results);
+        ReadAndWriteEverything(readOnly);
         EXPECT_EQ(s_calls.size(), 6u) << "only the reads ran";
         s_calls.clear();
-
-        ReadAndWriteEverything(intOnly, results);
-        EXPECT_EQ(results, (std::vector<double>{41, 0, 0, 0, 0, 0}));
-        EXPECT_EQ(s_calls, (std::vector<std::string>{"readInt 7", "writeInt 9"}));
+        EXPECT_EQ(ReadAndWriteEverything(intOnly), (std::vector<double>{41, 0, 0, 0, 0, 0}));
+        EXPECT_EQ(s_calls, (Texts{"readInt 7", "writeInt 9"}));
     });
-    EXPECT_TRUE(Errors()[2].empty()) << "no messages on this path";
-}
+    EXPECT_TRUE(ErrorsOf(beta).empty()) << "no messages on this path";
 
-TEST_F(TypedAccess, DisabledOwnerIsNotCalledUntilReEnabled) {
-    const TVPMPluginID alpha = IdOf("alpha.tvp");
+    s_calls.clear();
     TVPMDisablePlugin(alpha);
-    std::vector<double> results;
-    ReadAndWriteEverything(all, results);
-    EXPECT_EQ(results, std::vector<double>(6, 0));
+    EXPECT_EQ(ReadAndWriteEverything(all), std::vector<double>(6, 0));
     EXPECT_TRUE(s_calls.empty());
     EXPECT_EQ(TVPMGetMyID(), 0) << "the caller is current again";
-
     TVPMEnablePlugin(alpha);
     EXPECT_EQ(TVPMGetDatavf(all, nullptr, 0, 0), 4);
-}
 
-TEST_F(TypedAccess, UnloadedOwnersItemsGoSilentAndAThrowingAccessorGivesZero) {
-    TVPMDataRef throwing = nullptr;
-    AsPlugin("alpha.tvp", [&] {
-        throwing = TVPMRegisterDataAccessor("test/throws", tvpmType_Int, 0, Throwing, nullptr,
-                                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    TVPMDataRef throwing = RunAs<TVPMDataRef>("alpha.tvp", [] {
+        return TVPMRegisterDataAccessor("test/throws", tvpmType_Int, 0, Throwing, nullptr, nullptr,
+                                        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                        nullptr, nullptr, nullptr, nullptr);
     });
     EXPECT_EQ(TVPMGetDatai(throwing), 0);
     EXPECT_EQ(TVPMGetMyID(), 0);
     host.Shutdown();
+    s_calls.clear();
     EXPECT_EQ(TVPMGetDatai(all), 0);
     EXPECT_EQ(TVPMGetDatavi(all, nullptr, 0, 0), 0);
     EXPECT_TRUE(s_calls.empty());
@@ -152,38 +128,38 @@ TEST_F(TypedAccess, UnloadedOwnersItemsGoSilentAndAThrowingAccessorGivesZero) {
 
 namespace {
 
-std::vector<std::string> s_notified;
+Texts s_notified;
 void Changed(void* refcon) {
-    s_notified.push_back(std::string(static_cast<const char*>(refcon)) + " as " +
-                         std::to_string(TVPMGetMyID()));
+    s_notified.push_back(std::string(static_cast<const char*>(refcon)) + " as " + std::to_string(TVPMGetMyID()));
 }
-char kAlphaTag[] = "alpha", kBetaTag[] = "beta", kOtherTag[] = "other";
+char kAlphaTag[] = "alpha", kBetaTag[] = "beta", kOtherTag[] = "other", kLateTag[] = "late";
 
-struct SharedData : SimTest {
-    TVPMPluginID alpha = -1, beta = -1;
+struct SharedData : TwoPlugins {
     void SetUp() override {
-        AddScripted({"alpha.tvp", "beta.tvp"});
-        ASSERT_EQ(host.Start(sim.Root()), 23);
-        alpha = IdOf("alpha.tvp");
-        beta = IdOf("beta.tvp");
+        TwoPlugins::SetUp();
+        Start();
     }
+    void Share(const char* key, const char* name, TVPMDataTypeID type, TVPMDataChanged_f cb, char* tag) {
+        RunAs(key, [&] { TVPMShareData(name, type, cb, tag); });
+    }
+    std::string Told(const char* tag, TVPMPluginID as) const { return std::string(tag) + " as " + std::to_string(as); }
 };
 
 }  // namespace
 
 TEST_F(SharedData, PluginsShareAValueAndAreToldOfEveryWriteInOrder) {
-    AsPlugin("alpha.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 1); });
-    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Int, Changed, kBetaTag), 1); });
-    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Float, Changed, kBetaTag), 0); });
-
-    TVPMDataRef x = nullptr;
-    AsPlugin("alpha.tvp", [&] {
-        x = TVPMFindDataRef("shared/x");
+    RunAs("alpha.tvp", [] { EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 1); });
+    RunAs("beta.tvp", [] {
+        EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Int, Changed, kBetaTag), 1);
+        EXPECT_EQ(TVPMShareData("shared/x", tvpmType_Float, Changed, kBetaTag), 0);
+    });
+    TVPMDataRef x = TVPMFindDataRef("shared/x");
+    RunAs("alpha.tvp", [&] {
         TVPMSetDatai(x, 42);
         TVPMSetDatai(x, 42);
     });
-    const std::string a = "alpha as " + std::to_string(alpha), b = "beta as " + std::to_string(beta);
-    EXPECT_EQ(s_notified, (std::vector<std::string>{a, b, a, b}));
+    const std::string a = Told("alpha", alpha), b = Told("beta", beta);
+    EXPECT_EQ(s_notified, (Texts{a, b, a, b}));
     EXPECT_EQ(TVPMGetDatai(x), 42);
     EXPECT_EQ(TVPMGetDataf(x), 0.0f) << "no conversion";
     EXPECT_EQ(TVPMCanWriteDataRef(x), 1);
@@ -195,24 +171,24 @@ TEST_F(SharedData, PluginsShareAValueAndAreToldOfEveryWriteInOrder) {
     s_notified.clear();
     TVPMDisablePlugin(alpha);
     TVPMSetDatai(x, 1);
-    EXPECT_EQ(s_notified, std::vector<std::string>{b}) << "a disabled subscriber is skipped";
+    EXPECT_EQ(s_notified, Texts{b}) << "a disabled subscriber is skipped";
     TVPMEnablePlugin(alpha);
 
     s_notified.clear();
-    AsPlugin("beta.tvp", [] {
+    RunAs("beta.tvp", [] {
+        EXPECT_EQ(TVPMUnshareData(nullptr, tvpmType_Int, Changed, kBetaTag), 0);
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kOtherTag), 0);
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Float, Changed, kBetaTag), 0);
-        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 0)
-            << "only one's own subscriptions";
+        EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kAlphaTag), 0) << "only one's own";
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kBetaTag), 1);
         EXPECT_EQ(TVPMUnshareData("shared/x", tvpmType_Int, Changed, kBetaTag), 0);
     });
     TVPMSetDatai(x, 2);
-    EXPECT_EQ(s_notified, std::vector<std::string>{a});
+    EXPECT_EQ(s_notified, Texts{a});
 }
 
 TEST_F(SharedData, ArraysGrowToTheHighestItemWritten) {
-    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/ints", tvpmType_IntArray, nullptr, nullptr); });
+    Share("alpha.tvp", "shared/ints", tvpmType_IntArray, nullptr, nullptr);
     TVPMDataRef ints = TVPMFindDataRef("shared/ints");
     EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 1);
     int three[3] = {7, 8, 9};
@@ -228,64 +204,52 @@ TEST_F(SharedData, ArraysGrowToTheHighestItemWritten) {
     TVPMSetDatavi(ints, three, 1, 1);
     EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 5) << "never shrinks";
 
-    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/bytes", tvpmType_Data, nullptr, nullptr); });
+    Share("alpha.tvp", "shared/bytes", tvpmType_Data, nullptr, nullptr);
     TVPMDataRef bytes = TVPMFindDataRef("shared/bytes");
-    char text[] = "hello";
+    char text[] = "hello", out[16] = {};
     TVPMSetDatab(bytes, text, 0, 6);
-    char out[16] = {};
     EXPECT_EQ(TVPMGetDatab(bytes, out, 0, 16), 6);
     EXPECT_STREQ(out, "hello");
 
-    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/d", tvpmType_Double, nullptr, nullptr); });
+    Share("alpha.tvp", "shared/d", tvpmType_Double, nullptr, nullptr);
     TVPMDataRef d = TVPMFindDataRef("shared/d");
     TVPMSetDatad(d, 3.125);
     EXPECT_EQ(TVPMGetDatad(d), 3.125);
-}
 
-TEST_F(SharedData, ValueOutlivesItsSharersAndDepartingSubscribersAreForgotten) {
-    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/f", tvpmType_Float, Changed, kAlphaTag); });
-    AsPlugin("beta.tvp", [] { TVPMShareData("shared/f", tvpmType_Float, Changed, kBetaTag); });
-    TVPMDataRef f = TVPMFindDataRef("shared/f");
-    TVPMSetDataf(f, 0.75f);
-    host.Shutdown();
-    s_notified.clear();
-    EXPECT_EQ(TVPMIsDataRefGood(f), 1);
-    EXPECT_EQ(TVPMGetDataf(f), 0.75f);
-    TVPMSetDataf(f, 0.5f);
-    EXPECT_TRUE(s_notified.empty());
-    EXPECT_EQ(TVPMGetDataf(f), 0.5f);
-}
-
-TEST_F(SharedData, SharingAPluginsItemNameStillSucceeds) {
-    int storage = 3;
-    AsPlugin("alpha.tvp", [&] {
-        TVPMRegisterDataAccessor("test/owned", tvpmType_Int, 1, GetI, nullptr, nullptr, nullptr,
-                                 nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                 nullptr, &storage, nullptr);
+    static int storage = 3;  // sharing a plugin's item name succeeds and leaves the item alone
+    RunAs("alpha.tvp", [] {
+        TVPMRegisterDataAccessor("test/owned", tvpmType_Int, 1, GetI, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                 nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &storage, nullptr);
     });
-    AsPlugin("beta.tvp", [] { EXPECT_EQ(TVPMShareData("test/owned", tvpmType_Int, nullptr, nullptr), 1); });
+    RunAs("beta.tvp", [] { EXPECT_EQ(TVPMShareData("test/owned", tvpmType_Int, nullptr, nullptr), 1); });
     TVPMDataRefInfo_t info{};
     info.structSize = 32;
     TVPMGetDataRefInfo(TVPMFindDataRef("test/owned"), &info);
-    EXPECT_EQ(info.owner, alpha) << "the plugin's item is left alone";
+    EXPECT_EQ(info.owner, alpha);
 }
 
-TEST_F(SharedData, ADepartingPluginsSubscriptionsGoAndTheOthersKeepTheirOrder) {
+TEST_F(SharedData, DepartingSubscribersAreForgottenAndTheValueOutlivesEveryone) {
     host.userAircraftPath = sim.AddAircraft("Cessna", {"acfplug"}, BuiltPlugin("scripted.tvp"));
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
     ASSERT_GT(IdOf("acfplug"), 0);
-    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kAlphaTag); });
-    AsPlugin("acfplug", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kOtherTag); });
-    AsPlugin("beta.tvp", [] { TVPMShareData("shared/n", tvpmType_Int, Changed, kBetaTag); });
+    Share("alpha.tvp", "shared/n", tvpmType_Float, Changed, kAlphaTag);
+    Share("acfplug", "shared/n", tvpmType_Float, Changed, kOtherTag);
+    Share("beta.tvp", "shared/n", tvpmType_Float, Changed, kBetaTag);
     TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
+    TVPMDataRef n = TVPMFindDataRef("shared/n");
+    TVPMSetDataf(n, 0.75f);
+    EXPECT_EQ(s_notified, (Texts{Told("alpha", alpha), Told("beta", beta)}));
+
+    host.Shutdown();
     s_notified.clear();
-    TVPMSetDatai(TVPMFindDataRef("shared/n"), 5);
-    EXPECT_EQ(s_notified, (std::vector<std::string>{"alpha as " + std::to_string(alpha),
-                                                    "beta as " + std::to_string(beta)}));
+    EXPECT_EQ(TVPMIsDataRefGood(n), 1);
+    EXPECT_EQ(TVPMGetDataf(n), 0.75f);
+    TVPMSetDataf(n, 0.5f);
+    EXPECT_TRUE(s_notified.empty());
+    EXPECT_EQ(TVPMGetDataf(n), 0.5f);
 }
 
 namespace {
-char kLateTag[] = "late";
 // Alpha's subscription leaves when first told and brings in a new one.
 void LeavesWhenTold(void* refcon) {
     Changed(refcon);
@@ -295,14 +259,12 @@ void LeavesWhenTold(void* refcon) {
 }  // namespace
 
 TEST_F(SharedData, SubscribersLeavingOrJoiningWhileToldLoseNobody) {
-    AsPlugin("alpha.tvp", [] { TVPMShareData("shared/turnover", tvpmType_Int, LeavesWhenTold, kAlphaTag); });
-    AsPlugin("beta.tvp", [] { TVPMShareData("shared/turnover", tvpmType_Int, Changed, kBetaTag); });
+    Share("alpha.tvp", "shared/turnover", tvpmType_Int, LeavesWhenTold, kAlphaTag);
+    Share("beta.tvp", "shared/turnover", tvpmType_Int, Changed, kBetaTag);
     TVPMDataRef n = TVPMFindDataRef("shared/turnover");
     TVPMSetDatai(n, 1);
-    const std::string a = "alpha as " + std::to_string(alpha), b = "beta as " + std::to_string(beta);
-    const std::string late = "late as " + std::to_string(alpha);
-    EXPECT_EQ(s_notified, (std::vector<std::string>{a, b}));
+    EXPECT_EQ(s_notified, (Texts{Told("alpha", alpha), Told("beta", beta)}));
     s_notified.clear();
     TVPMSetDatai(n, 2);
-    EXPECT_EQ(s_notified, (std::vector<std::string>{b, late}));
+    EXPECT_EQ(s_notified, (Texts{Told("beta", beta), Told("late", alpha)}));
 }

@@ -1,47 +1,43 @@
-// data_test_util.h: helpers shared by the data-item and flight-loop tests: running code as a plugin and collecting its error reports.
+// data_test_util.h: two scripted plugins that keep the error texts they are sent, for the data-item and flight-loop tests.
 #pragma once
 
-#include <cstdio>
-#include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "Harness.h"
 #include "PluginContext.h"
-#include "TVPM/TVPMPlugin.h"
+#include "SimTest.h"
 
 namespace datatest {
+using namespace tvpmtest;
 
-using tvpmtest::IdOf;
+// alpha.tvp and beta.tvp; each installs the error recorder when enabled unless
+// a test replaces its enable script.
+struct TwoPlugins : SimTest {
+    TVPMPluginID alpha = -1, beta = -1;
+    void SetUp() override {
+        AddScripted({"alpha.tvp", "beta.tvp"});
+        ReportErrorsOf("alpha.tvp");
+        ReportErrorsOf("beta.tvp");
+    }
+    void Start() {
+        ASSERT_EQ(host.Start(sim.Root()), 23);
+        alpha = IdOf("alpha.tvp");
+        beta = IdOf("beta.tvp");
+    }
+    // The error texts plugin id was sent, in order.
+    static std::vector<std::string> ErrorsOf(TVPMPluginID id) {
+        const std::string prefix = std::to_string(id) + ":";
+        std::vector<std::string> out;
+        for (const std::string& e : PluginErrors())
+            if (e.compare(0, prefix.size(), prefix) == 0) out.push_back(e.substr(prefix.size()));
+        return out;
+    }
+};
 
-// Runs f inside the plugin's own call context (as that plugin).
-inline void AsPlugin(const std::string& key, std::function<void()> f) {
-    tvpmtest::RunAs(key, std::move(f));
-}
-
-// Error reports per plugin: a plugin's error callback is a plain function, so
-// each of the first plugins gets its own.
-inline std::map<int, std::vector<std::string>>& Errors() {
-    static std::map<int, std::vector<std::string>> errors;
-    return errors;
-}
-template <int N>
-void CollectError(const char* message) {
-    Errors()[N].push_back(message);
-}
-// Installs error collector N for the plugin (call from inside it).
-template <int N>
-void ListenForErrors() {
-    TVPMSetErrorCallback(&CollectError<N>);
-}
-
-// Counts how often a text occurs in the simulator's log.
+// How often needle occurs in haystack (a log, say).
 inline size_t Occurrences(const std::string& haystack, const std::string& needle) {
     size_t n = 0;
-    for (size_t at = haystack.find(needle); at != std::string::npos;
-         at = haystack.find(needle, at + needle.size()))
-        ++n;
+    for (size_t at = haystack.find(needle); at != std::string::npos; at = haystack.find(needle, at + 1)) ++n;
     return n;
 }
 
