@@ -5,12 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "FakeHost.h"
-#include "Harness.h"
-#include "PluginContext.h"
-#include "TVPM/TVPMPlugin.h"
+#include "AlphaBeta.h"
 #include "TVPM/TVPMUtilities.h"
-#include "TVPMHost.h"
 
 using namespace tvpmtest;
 
@@ -20,21 +16,18 @@ namespace {
 int gCmdA, gCmdB;
 TVPMCommandRef const kCmd = &gCmdA;
 TVPMCommandRef const kOther = &gCmdB;
+const std::string kCmdArg = FormatArg(kCmd), kOtherArg = FormatArg(kOther);
 
-// What handlers saw, as "<refcon text>/<phase>/<current plugin>".
-std::vector<std::string>& Seen() {
-    static std::vector<std::string> seen;
-    return seen;
-}
+using Lines = std::vector<std::string>;
 
-std::string Text(void* refcon) { return refcon ? static_cast<const char*>(refcon) : "null"; }
-
+// What handlers saw, as "<refcon><phase>@<current plugin's name>".
+Lines s_seen;
 int Note(TVPMCommandRef, TVPMCommandPhase phase, void* refcon) {
-    Seen().push_back(Text(refcon) + "/" + std::to_string(phase) + "/" +
-                     std::to_string(TVPMGetMyID()));
+    char name[256] = "";
+    TVPMGetPluginInfo(TVPMGetMyID(), name, nullptr, nullptr, nullptr);
+    s_seen.push_back(static_cast<const char*>(refcon) + std::to_string(phase) + "@" + name);
     return 1;
 }
-
 int NoteAndStop(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
     Note(cmd, phase, refcon);
     return 0;
@@ -42,38 +35,21 @@ int NoteAndStop(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 
 char kA[] = "A", kB[] = "B", kC[] = "C";
 
-std::string PtrArg(const void* p) { return FormatArg(p); }
-using Refs = std::vector<std::string>;
-
-// Two loose plugins, alpha and beta, started.
-struct TwoPlugins {
-    FakeHost host;
-    SimFolder sim;
-    TVPMPluginID alpha = -1, beta = -1;
-
+struct TwoPlugins : AlphaBeta {
     TwoPlugins() {
-        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
-        ReportErrorsOf("alpha.tvp");
-        ReportErrorsOf("beta.tvp");
         host.On<&TVPMHooks::TVPMFindCreateCommand_f>(
             [](const char* name, const char*, int create) -> void* {
-                if (std::string(name) == "known/cmd" || create) return kCmd;
-                return nullptr;
+                return std::string(name) == "known/cmd" || create ? kCmd : nullptr;
             });
-        host.Start(sim.Root());
-        alpha = IdOf("alpha.tvp");
-        beta = IdOf("beta.tvp");
     }
-    ~TwoPlugins() { host.Shutdown(); }
     void Register(const std::string& key, TVPMCommandCallback_f cb, int before, char* refcon) {
         RunAs(key, [=] { TVPMRegisterCommandHandler(kCmd, cb, before, refcon); });
     }
     // One repeat pass: the commands the host is asked to continue, in order.
-    std::vector<std::string> RepeatPass() {
+    Lines RepeatPass() {
         host.ClearCalls();
         TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-        std::vector<std::string> refs;
+        Lines refs;
         for (const HostCall& c : host.CallsTo("TVPMDoCommandContinue_f")) refs.push_back(c.args[0]);
         return refs;
     }
@@ -81,139 +57,64 @@ struct TwoPlugins {
 
 }  // namespace
 
-TEST(Commands, FindOnlyFindsAndCreateFindsOrCreates) {
+TEST(Commands, FindOnlyFindsAndCreatingWarnsOnlyForTheExactSimPrefix) {
     TwoPlugins t;
-    t.host.ClearCalls();
     EXPECT_EQ(TVPMFindCommand("known/cmd"), kCmd);
     EXPECT_EQ(TVPMFindCommand("missing/cmd"), nullptr);
-    EXPECT_EQ(TVPMCreateCommand("mine/cmd", "Does it"), kCmd);
-    auto calls = t.host.CallsTo("TVPMFindCreateCommand_f");
-    ASSERT_EQ(calls.size(), 3u);
-    EXPECT_EQ(calls[1].args, (std::vector<std::string>{"\"missing/cmd\"", "null", "0"}));
-    EXPECT_EQ(calls[2].args, (std::vector<std::string>{"\"mine/cmd\"", "\"Does it\"", "1"}));
-    EXPECT_TRUE(PluginErrors().empty());
-}
-
-TEST(Commands, ReservedPrefixWarnsButStillCreates) {
-    TwoPlugins t;
-    TVPMCommandRef made = nullptr;
-    RunAs("alpha.tvp", [&] { made = TVPMCreateCommand("sim/lights/toggle", "mine"); });
-    EXPECT_EQ(made, kCmd);
-    EXPECT_EQ(PluginErrors(),
-              (std::vector<std::string>{std::to_string(t.alpha) +
-                                        ":Plugin is illegally registering a command with the "
-                                        "prefix sim/"}));
-    EXPECT_NE(t.host.Log().find(
-                  "[alpha.tvp]: It is illegal to register a command starting with sim/\n"),
-              std::string::npos);
-    EXPECT_EQ(t.host.Count("TVPMFindCreateCommand_f"), 1u);
-}
-
-TEST(Commands, OnlyTheExactLowerCasePrefixWarns) {
-    TwoPlugins t;
-    RunAs("alpha.tvp", [] {
-        TVPMCreateCommand("simx/thing", "");
-        TVPMCreateCommand("Sim/thing", "");
-        TVPMCreateCommand("sim", "");
-    });
-    EXPECT_TRUE(PluginErrors().empty());
-    EXPECT_EQ(t.host.Log().find("illegal"), std::string::npos);
-}
-
-TEST(Commands, NullNamesNeverReachTheHost) {
-    TwoPlugins t;
-    t.host.ClearCalls();
     EXPECT_EQ(TVPMFindCommand(nullptr), nullptr);
-    EXPECT_EQ(TVPMCreateCommand(nullptr, nullptr), nullptr);
-    EXPECT_EQ(TVPMCreateCommand("mine/cmd", nullptr), kCmd);
-    EXPECT_EQ(t.host.Count("TVPMFindCreateCommand_f"), 1u);
+    const struct {
+        const char *name, *description, *passedDescription;
+        bool warns;
+    } cases[] = {
+        {"mine/cmd", "Does it", "\"Does it\"", false}, {"mine/cmd", nullptr, "\"\"", false},
+        {"sim/lights/toggle", "mine", "\"mine\"", true}, {"simx/thing", "", "\"\"", false},
+        {"Sim/thing", "", "\"\"", false},                {"sim", "", "\"\"", false},
+        {nullptr, nullptr, nullptr, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name ? c.name : "null");
+        t.host.ClearCalls();
+        PluginErrors().clear();
+        EXPECT_EQ(RunAs<TVPMCommandRef>("alpha.tvp", [&] { return TVPMCreateCommand(c.name, c.description); }),
+                  c.name ? kCmd : nullptr);
+        const Lines passed = c.name ? Lines{FormatArg(c.name), c.passedDescription, "1"} : Lines{};
+        auto calls = t.host.CallsTo("TVPMFindCreateCommand_f");
+        EXPECT_EQ(calls.empty() ? Lines{} : calls[0].args, passed);
+        EXPECT_EQ(PluginErrors(), c.warns ? Lines{std::to_string(t.alpha) + ":Plugin is illegally "
+                                                  "registering a command with the prefix sim/"}
+                                          : Lines{});
+        EXPECT_EQ(t.host.Log(), c.warns ? "[alpha.tvp]: It is illegal to register a command "
+                                          "starting with sim/\n" : "");
+    }
 }
 
-TEST(Commands, BeforeHandlersRunNewestFirstAndAfterHandlersInOrder) {
+TEST(Commands, BeforeHandlersRunNewestFirstAfterHandlersInOrderAndZeroConsumes) {
     TwoPlugins t;
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1) << "no handlers";
     t.Register("alpha.tvp", Note, 1, kA);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1) << "only a before-handler exists";
     t.Register("beta.tvp", Note, 1, kB);
     t.Register("alpha.tvp", Note, 0, kA);
     t.Register("beta.tvp", Note, 0, kB);
-    const std::string a = std::to_string(t.alpha), b = std::to_string(t.beta);
-
+    s_seen.clear();
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"B/0/" + b, "A/0/" + a}));
-    Seen().clear();
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0/" + a, "B/0/" + b}));
     EXPECT_EQ(TVPMGetMyID(), 0) << "the host's context is restored";
-}
-
-TEST(Commands, PhaseFollowsDownAndUpWithUpWinning) {
-    TwoPlugins t;
-    t.Register("alpha.tvp", Note, 0, kA);
-    TVPMCommandHook(kCmd, 1, 0, 0);
+    EXPECT_EQ(TVPMCommandHook(kOther, 1, 0, 1), 1);
+    // Held, up, and up winning over down.
     TVPMCommandHook(kCmd, 0, 0, 0);
     TVPMCommandHook(kCmd, 0, 1, 0);
     TVPMCommandHook(kCmd, 1, 1, 0);
-    const std::string a = "/" + std::to_string(t.alpha);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0" + a, "A/1" + a, "A/2" + a, "A/2" + a}));
-}
+    EXPECT_EQ(s_seen, (Lines{"B0@beta.tvp", "A0@alpha.tvp", "A0@alpha.tvp", "B0@beta.tvp",
+                             "A1@alpha.tvp", "B1@beta.tvp", "A2@alpha.tvp", "B2@beta.tvp",
+                             "A2@alpha.tvp", "B2@beta.tvp"}));
 
-TEST(Commands, AHandlerReturningZeroConsumesTheCommand) {
-    TwoPlugins t;
-    t.Register("alpha.tvp", Note, 1, kA);
-    t.Register("beta.tvp", NoteAndStop, 1, kB);  // newest: runs first
-    t.Register("alpha.tvp", NoteAndStop, 0, kA);
-    t.Register("beta.tvp", Note, 0, kB);
+    t.Register("beta.tvp", NoteAndStop, 1, kC);  // newest: runs first
+    t.Register("alpha.tvp", NoteAndStop, 0, kC);
+    s_seen.clear();
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 0);
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 0);
-    const std::string a = std::to_string(t.alpha), b = std::to_string(t.beta);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"B/0/" + b, "A/0/" + a}));
-}
-
-TEST(Commands, CommandsWithoutHandlersGoOn) {
-    TwoPlugins t;
-    t.Register("alpha.tvp", NoteAndStop, 1, kA);
-    EXPECT_EQ(TVPMCommandHook(kOther, 1, 0, 1), 1);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1) << "only a before-handler exists";
-    RunAs("alpha.tvp", [] { TVPMUnregisterCommandHandler(kCmd, NoteAndStop, 1, kA); });
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1) << "an emptied chain";
-    EXPECT_TRUE(Seen().empty());
-}
-
-TEST(Commands, ChainSurvivesAPluginDisabledBetweenPhases) {
-    TwoPlugins t;
-    t.Register("alpha.tvp", Note, 1, kA);
-    t.Register("beta.tvp", NoteAndStop, 1, kB);
-    const std::string a = std::to_string(t.alpha), b = std::to_string(t.beta);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 0);
-    TVPMDisablePlugin(t.beta);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 0, 0, 1), 1) << "beta's stop is skipped with beta";
-    TVPMEnablePlugin(t.beta);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 0, 1, 1), 0);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"B/0/" + b, "A/1/" + a, "B/2/" + b}));
-}
-
-TEST(Commands, UnregisterRemovesOneOwnMatchingRegistration) {
-    TwoPlugins t;
-    t.Register("alpha.tvp", Note, 0, kA);
-    t.Register("alpha.tvp", Note, 0, kA);  // no duplicate check: runs twice
-    t.Register("alpha.tvp", Note, 0, kC);
-    TVPMCommandHook(kCmd, 1, 0, 0);
-    EXPECT_EQ(Seen().size(), 3u);
-
-    // Someone else's, a wrong table and a wrong refcon remove nothing.
-    RunAs("beta.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
-    RunAs("alpha.tvp", [] {
-        TVPMUnregisterCommandHandler(kCmd, Note, 1, kA);
-        TVPMUnregisterCommandHandler(kCmd, Note, 0, kB);
-    });
-    Seen().clear();
-    TVPMCommandHook(kCmd, 1, 0, 0);
-    EXPECT_EQ(Seen().size(), 3u);
-
-    RunAs("alpha.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
-    Seen().clear();
-    TVPMCommandHook(kCmd, 1, 0, 0);
-    const std::string a = "/0/" + std::to_string(t.alpha);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"A" + a, "C" + a}));
+    EXPECT_EQ(s_seen, (Lines{"C0@beta.tvp", "A0@alpha.tvp", "B0@beta.tvp", "C0@alpha.tvp"}));
 }
 
 namespace {
@@ -224,223 +125,122 @@ int UnregisterSelf(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 }
 }  // namespace
 
-TEST(Commands, AHandlerMayUnregisterItselfWhileRunning) {
+TEST(Commands, UnregisterRemovesOneOwnMatchingRegistrationEvenWhileRunning) {
     TwoPlugins t;
-    t.Register("alpha.tvp", UnregisterSelf, 0, kA);
-    t.Register("beta.tvp", Note, 0, kB);
+    t.Register("alpha.tvp", Note, 0, kA);
+    t.Register("alpha.tvp", Note, 0, kA);  // no duplicate check: runs twice
+    t.Register("alpha.tvp", Note, 0, kC);
+    // Someone else's, a wrong table and a wrong refcon remove nothing.
+    RunAs("beta.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
+    RunAs("alpha.tvp", [] {
+        TVPMUnregisterCommandHandler(kCmd, Note, 1, kA);
+        TVPMUnregisterCommandHandler(kCmd, Note, 0, kB);
+    });
+    TVPMCommandHook(kCmd, 1, 0, 0);
+    EXPECT_EQ(s_seen.size(), 3u);
+
+    RunAs("alpha.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
+    t.Register("beta.tvp", UnregisterSelf, 0, kB);
+    t.Register("alpha.tvp", Note, 0, kA);
+    s_seen.clear();
     TVPMCommandHook(kCmd, 1, 0, 0);
     TVPMCommandHook(kCmd, 0, 1, 0);
-    const std::string a = std::to_string(t.alpha), b = std::to_string(t.beta);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0/" + a, "B/0/" + b, "B/2/" + b}));
+    EXPECT_EQ(s_seen, (Lines{"A0@alpha.tvp", "C0@alpha.tvp", "B0@beta.tvp", "A0@alpha.tvp",
+                             "A2@alpha.tvp", "C2@alpha.tvp", "A2@alpha.tvp"}));
 }
 
-TEST(Commands, BeginEndAndOnceReachTheHost) {
+TEST(Commands, HeldCommandsRepeatPauseWhileDisabledAndAreReleasedAtUnload) {
     TwoPlugins t;
     t.host.ClearCalls();
     RunAs("alpha.tvp", [] {
-        TVPMCommandOnce(kCmd);
+        TVPMCommandOnce(kOther);
+        TVPMCommandBegin(kCmd);
+        TVPMCommandBegin(kCmd);  // held commands are a set
+    });
+    RunAs("beta.tvp", [] {
         TVPMCommandBegin(kOther);
-        TVPMCommandEnd(kOther);
+        TVPMCommandEnd(kCmd);  // not beta's: passed on, alpha's stays held
     });
     EXPECT_EQ(t.host.SlotSequence({"TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f"}),
-              (std::vector<std::string>{"TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f",
-                                        "TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f"}));
-    for (const HostCall& c : t.host.CallsTo("TVPMDoCommandBegin_f"))
-        EXPECT_TRUE(c.args[0] == PtrArg(kCmd) || c.args[0] == PtrArg(kOther));
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u) << "nothing is held";
-}
-
-TEST(Commands, HeldCommandRepeatsPausesWhileDisabledAndIsReleasedAtUnload) {
-    TwoPlugins t;
-    RunAs("alpha.tvp", [] { TVPMCommandBegin(kCmd); });
-    RunAs("beta.tvp", [] { TVPMCommandBegin(kOther); });
-    EXPECT_EQ(t.RepeatPass().size(), 2u);
+              (Lines{"TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f", "TVPMDoCommandBegin_f",
+                     "TVPMDoCommandBegin_f", "TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f"}));
+    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandBegin_f").at(0).args, (Lines{kOtherArg}));
+    const Lines both = t.alpha < t.beta ? Lines{kCmdArg, kOtherArg} : Lines{kOtherArg, kCmdArg};
+    EXPECT_EQ(t.RepeatPass(), both) << "in plugin ID order";
 
     TVPMDisablePlugin(t.alpha);
-    EXPECT_EQ(t.RepeatPass(), Refs{PtrArg(kOther)});
+    EXPECT_EQ(t.RepeatPass(), Lines{kOtherArg});
     EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 0u) << "disabling does not release";
-
     TVPMEnablePlugin(t.alpha);
-    EXPECT_EQ(t.RepeatPass().size(), 2u) << "repeats resume";
-
-    t.host.ClearCalls();
-    t.host.Shutdown();
-    auto ends = t.host.CallsTo("TVPMDoCommandEnd_f");
-    ASSERT_EQ(ends.size(), 2u);
-    // Plugins are unloaded in ID order.
-    const bool alphaFirst = t.alpha < t.beta;
-    EXPECT_EQ(ends[0].args[0], PtrArg(alphaFirst ? kCmd : kOther));
-    EXPECT_EQ(ends[1].args[0], PtrArg(alphaFirst ? kOther : kCmd));
-}
-
-TEST(Commands, APluginDisabledDuringTheRepeatPassIsNotRepeatedInIt) {
-    TwoPlugins t;
-    // The map is walked in ascending ID: the first plugin's repeat disables the second.
-    static TVPMPluginID s_second;
-    const TVPMPluginID first = std::min(t.alpha, t.beta);
-    s_second = std::max(t.alpha, t.beta);
-    const std::string firstKey = first == t.alpha ? "alpha.tvp" : "beta.tvp";
-    const std::string secondKey = first == t.alpha ? "beta.tvp" : "alpha.tvp";
-    RunAs(firstKey, [] { TVPMCommandBegin(kCmd); });
-    RunAs(secondKey, [] { TVPMCommandBegin(kOther); });
-    t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) {
-        if (cmd == kCmd) TVPMDisablePlugin(s_second);
-    });
-    EXPECT_EQ(t.RepeatPass(), Refs{PtrArg(kCmd)});
-}
-
-TEST(Commands, HeldCommandsRepeatOnTheRepeatEventAndButtonsOnTheFrame) {
-    TwoPlugins t;
-    RunAs("alpha.tvp", [] {
-        TVPMCommandBegin(kCmd);
-        TVPMCommandButtonPress(4);
-    });
+    EXPECT_EQ(t.RepeatPass(), both) << "repeats resume";
     t.host.ClearCalls();
     t.host.RunFrame();
-    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u);
-    EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 1u);
-    EXPECT_EQ(t.RepeatPass().size(), 1u);
-    EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 0u);
-}
+    EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u) << "only the repeat event repeats";
 
-TEST(Commands, HeldCommandsAreASet) {
-    TwoPlugins t;
-    RunAs("alpha.tvp", [] {
-        TVPMCommandBegin(kCmd);
-        TVPMCommandBegin(kCmd);
-    });
-    EXPECT_EQ(t.RepeatPass().size(), 1u);
-    RunAs("alpha.tvp", [] { TVPMCommandEnd(kCmd); });
-    EXPECT_TRUE(t.RepeatPass().empty());
+    RunAs("beta.tvp", [] { TVPMCommandEnd(kOther); });
+    t.host.ClearCalls();
     t.host.Shutdown();
-    EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 0u) << "nothing is left to release";
-}
-
-TEST(Commands, AnotherPluginsEndDoesNotReleaseMyCommand) {
-    TwoPlugins t;
-    RunAs("alpha.tvp", [] { TVPMCommandBegin(kCmd); });
-    RunAs("beta.tvp", [] { TVPMCommandEnd(kCmd); });  // passed to the host all the same
-    EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 1u);
-    EXPECT_EQ(t.RepeatPass().size(), 1u);
+    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandEnd_f").size(), 1u);
+    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandEnd_f").at(0).args, Lines{kCmdArg});
 }
 
 namespace {
-// Releases the command from within its own repeat, as a plugin reacting to
-// the continue phase would.
-int EndOnContinue(TVPMCommandRef cmd, TVPMCommandPhase phase, void*) {
-    if (phase == tvpm_CommandContinue) TVPMCommandEnd(cmd);
+TVPMPluginID s_second;
+// Ends its command from within the command's own repeat and disables the
+// other plugin, as a plugin reacting to the continue phase may.
+int EndAndDisableOnContinue(TVPMCommandRef cmd, TVPMCommandPhase phase, void*) {
+    if (phase == tvpm_CommandContinue) {
+        TVPMCommandEnd(cmd);
+        TVPMDisablePlugin(s_second);
+    }
     return 1;
 }
 }  // namespace
 
-TEST(Commands, ACommandEndedDuringItsOwnRepeatIsNotRepeatedAgain) {
+TEST(Commands, TheRepeatPassRechecksWhatEachContinueChanged) {
     TwoPlugins t;
-    t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) {
-        if (TVPMCommandHook(cmd, 0, 0, 1)) TVPMCommandHook(cmd, 0, 0, 0);
-    });
-    RunAs("alpha.tvp", [] {
-        TVPMRegisterCommandHandler(kCmd, EndOnContinue, 1, nullptr);
+    s_second = std::max(t.alpha, t.beta);  // the pass goes in ascending plugin ID
+    const bool alphaFirst = t.alpha < t.beta;
+    t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) { TVPMCommandHook(cmd, 0, 0, 1); });
+    RunAs(alphaFirst ? "alpha.tvp" : "beta.tvp", [] {
+        TVPMRegisterCommandHandler(kCmd, EndAndDisableOnContinue, 1, nullptr);
         TVPMCommandBegin(kCmd);
-        TVPMCommandBegin(kOther);
     });
-    TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-    EXPECT_EQ(t.RepeatPass(), Refs{PtrArg(kOther)});
-}
-
-TEST(Commands, UnknownRefsPassThroughUnchanged) {
-    TwoPlugins t;
-    int stranger = 0;
-    void* ref = &stranger;
-    t.host.ClearCalls();
-    RunAs("alpha.tvp", [ref] {
-        TVPMCommandBegin(ref);
-        TVPMCommandEnd(ref);
-        TVPMCommandOnce(ref);
-    });
-    for (const HostCall& c : t.host.Calls()) EXPECT_EQ(c.args.at(0), PtrArg(ref)) << c.slot;
-    EXPECT_EQ(t.host.Calls().size(), 4u);
-    EXPECT_EQ(TVPMCommandHook(ref, 1, 0, 1), 1);
-    EXPECT_EQ(TVPMCommandHook(nullptr, 0, 1, 0), 1);
-}
-
-TEST(Commands, UnloadingAnAircraftPluginReleasesItsCommandsAndDropsItsHandlers) {
-    TwoPlugins t;
-    t.host.userAircraftPath = t.sim.AddAircraft("glider", {"acfp"}, BuiltPlugin("scripted.tvp"));
-    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    ASSERT_GT(IdOf("acfp"), 0);
-    t.Register("acfp", Note, 1, kC);
-    t.Register("acfp", Note, 0, kC);
-    t.Register("alpha.tvp", Note, 0, kA);
-    RunAs("acfp", [] { TVPMCommandBegin(kOther); });
-
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
-    auto ends = t.host.CallsTo("TVPMDoCommandEnd_f");
-    ASSERT_EQ(ends.size(), 1u);
-    EXPECT_EQ(ends[0].args[0], PtrArg(kOther));
-
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0/" + std::to_string(t.alpha)}));
-    EXPECT_TRUE(t.RepeatPass().empty());
+    RunAs(alphaFirst ? "beta.tvp" : "alpha.tvp", [] { TVPMCommandBegin(kOther); });
+    EXPECT_EQ(t.RepeatPass(), Lines{kCmdArg});
+    TVPMEnablePlugin(s_second);
+    EXPECT_EQ(t.RepeatPass(), Lines{kOtherArg});
 }
 
 namespace {
 // Each button-slot call as "<ids up to the terminator>|<isRelease>|<phase>".
-std::vector<std::string>& ButtonCalls() {
-    static std::vector<std::string> calls;
-    return calls;
+Lines s_buttons;
+void RecordButtons(TVPMCommandButtonID* list, int isRelease, int phase) {
+    std::string ids;
+    for (const TVPMCommandButtonID* b = list; *b; ++b) ids += std::to_string(*b) + ",";
+    s_buttons.push_back(ids + "|" + std::to_string(isRelease) + "|" + std::to_string(phase));
 }
 }  // namespace
 
-TEST(Commands, LegacyButtonsArePressedHeldEveryFrameAndReleased) {
+TEST(Commands, LegacyButtonsArePressedHeldEveryFrameAndReleasedOncePerPress) {
     TwoPlugins t;
-    t.host.On<&TVPMHooks::TVPMCommandButtonPress_f>(
-        [](TVPMCommandButtonID* list, int isRelease, int phase) {
-            std::string ids;
-            for (const TVPMCommandButtonID* b = list; *b; ++b) ids += std::to_string(*b) + ",";
-            ButtonCalls().push_back(ids + "|" + std::to_string(isRelease) + "|" +
-                                    std::to_string(phase));
-        });
+    t.host.On<&TVPMHooks::TVPMCommandButtonPress_f>(RecordButtons);
     t.host.RunFrame();
-    EXPECT_TRUE(ButtonCalls().empty()) << "nothing held, nothing sent";
-
     RunAs("alpha.tvp", [] { TVPMCommandButtonPress(5); });
     RunAs("beta.tvp", [] { TVPMCommandButtonPress(7); });
-    EXPECT_EQ(ButtonCalls(), (std::vector<std::string>{"5,|0|0", "5,|0|1", "7,|0|0", "7,|0|1"}));
-    ButtonCalls().clear();
+    TVPMCommandButtonPress(7);
     t.host.RunFrame();
-    EXPECT_EQ(ButtonCalls(), (std::vector<std::string>{"5,7,|0|1"}));
-
-    ButtonCalls().clear();
+    EXPECT_EQ(s_buttons, (Lines{"5,|0|0", "5,|0|1", "7,|0|0", "7,|0|1", "7,|0|0", "7,|0|1",
+                                "5,7,7,|0|1"}));
+    s_buttons.clear();
     TVPMCommandButtonRelease(5);
-    EXPECT_EQ(ButtonCalls(), (std::vector<std::string>{"5,|1|0", "5,|1|1"}));
-    ButtonCalls().clear();
+    TVPMCommandButtonRelease(7);
     t.host.RunFrame();
-    t.host.RunFrame();
-    EXPECT_EQ(ButtonCalls(), (std::vector<std::string>{"7,|0|1", "7,|0|1"}));
-
-    ButtonCalls().clear();
     TVPMCommandButtonRelease(7);
     TVPMCommandButtonRelease(9);  // never pressed: still sent, nothing else changes
     t.host.RunFrame();
-    EXPECT_EQ(ButtonCalls(),
-              (std::vector<std::string>{"7,|1|0", "7,|1|1", "9,|1|0", "9,|1|1"}));
-}
-
-TEST(Commands, AButtonPressedTwiceNeedsTwoReleases) {
-    TwoPlugins t;
-    TVPMCommandButtonPress(3);
-    TVPMCommandButtonPress(3);
-    TVPMCommandButtonRelease(3);
-    t.host.ClearCalls();
-    t.host.RunFrame();
-    EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 1u);
-    TVPMCommandButtonRelease(3);
-    t.host.ClearCalls();
-    t.host.RunFrame();
-    EXPECT_EQ(t.host.Count("TVPMCommandButtonPress_f"), 0u);
+    EXPECT_EQ(s_buttons, (Lines{"5,|1|0", "5,|1|1", "7,|1|0", "7,|1|1", "7,|0|1", "7,|1|0",
+                                "7,|1|1", "9,|1|0", "9,|1|1"}));
 }
 
 namespace {
@@ -453,19 +253,22 @@ int ReloadAircraftPlugins(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refc
 }
 }  // namespace
 
-TEST(Commands, AHandlerWhosePluginIsUnloadedDuringDispatchIsNotCalledAgain) {
+TEST(Commands, UnloadingAPluginDuringDispatchDropsItsHandlersAndReleasesItsCommands) {
     TwoPlugins t;
-    t.host.userAircraftPath = t.sim.AddAircraft("glider", {"acfp"}, BuiltPlugin("scripted.tvp"));
-    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
+    t.LoadAircraftPlugin();
     t.Register("alpha.tvp", Note, 0, kA);
     t.Register("acfp", ReloadAircraftPlugins, 0, kC);
+    t.Register("acfp", Note, 1, kC);
     t.Register("beta.tvp", Note, 0, kB);
-    const std::string a = std::to_string(t.alpha), b = std::to_string(t.beta);
-    const std::string c = std::to_string(IdOf("acfp"));
+    RunAs("acfp", [] { TVPMCommandBegin(kOther); });
 
+    t.host.ClearCalls();
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
     ASSERT_GT(IdOf("acfp"), 0) << "reloaded";
+    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandEnd_f").at(0).args, Lines{kOtherArg});
+    EXPECT_TRUE(t.RepeatPass().empty());
+    EXPECT_EQ(TVPMCommandHook(kCmd, 0, 1, 1), 1);
     EXPECT_EQ(TVPMCommandHook(kCmd, 0, 1, 0), 1);
-    EXPECT_EQ(Seen(), (std::vector<std::string>{"A/0/" + a, "C/0/" + c, "B/0/" + b, "A/2/" + a,
-                                                "B/2/" + b}));
+    EXPECT_EQ(s_seen, (Lines{"A0@alpha.tvp", "C0@acfp", "B0@beta.tvp", "A2@alpha.tvp",
+                             "B2@beta.tvp"}));
 }

@@ -1,10 +1,4 @@
 // test_map_layers.cpp: map layers and map-creation callbacks across plugins: creation, drawing in the owner's context, destruction, and what unloading leaves.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
-#include "FakeHost.h"
 #include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMMap.h"
@@ -16,40 +10,26 @@ namespace {
 // Every map callback as "<phase> <owner name> <refcon text>".
 std::vector<std::string> s_calls;
 
-std::string Who() {
+void Note(const char* phase, void* refcon) {
     char name[256] = "";
     TVPMGetPluginInfo(TVPMGetMyID(), name, nullptr, nullptr, nullptr);
-    return name;
+    s_calls.push_back(std::string(phase) + " " + name + " " + static_cast<const char*>(refcon));
 }
-const char* Text(void* refcon) { return static_cast<const char*>(refcon); }
-
-void Note(const char* phase, void* refcon) {
-    s_calls.push_back(std::string(phase) + " " + Who() + " " + Text(refcon));
-}
-void OnDraw(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID,
-            void* r) {
-    Note("draw", r);
-}
-void OnIcon(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID,
-            void* r) {
-    Note("icon", r);
-}
-void OnLabel(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID,
-             void* r) {
-    Note("label", r);
+template <int kPhase>
+void OnDraw(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID, void* r) {
+    Note(kPhase == 0 ? "draw" : kPhase == 1 ? "icon" : "label", r);
 }
 void OnPrep(TVPMMapLayerID, const float*, TVPMMapProjectionID, void* r) { Note("prep", r); }
 void OnDeleted(TVPMMapLayerID, void* r) { Note("deleted", r); }
 void OnMapCreated(const char* map, void* r) { Note(map, r); }
-void DisableSelf(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID,
-                 void* r) {
+void DisableSelf(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID, void* r) {
     Note("draw", r);
     TVPMDisablePlugin(TVPMGetMyID());
 }
 
-TVPMCreateMapLayer_t Params(const char* tag, TVPMMapDrawingCallback_f draw = OnDraw) {
-    return {TVPM_CREATE_MAP_LAYER_SIZE, TVPM_MAP_USER_INTERFACE, tvpm_MapLayer_Markings,
-            OnDeleted, OnPrep, draw, OnIcon, OnLabel, 1, tag, const_cast<char*>(tag)};
+TVPMCreateMapLayer_t Params(const char* tag, TVPMMapDrawingCallback_f draw = OnDraw<0>) {
+    return {TVPM_CREATE_MAP_LAYER_SIZE, TVPM_MAP_USER_INTERFACE, tvpm_MapLayer_Markings, OnDeleted, OnPrep, draw,
+            OnDraw<1>, OnDraw<2>, 1, tag, const_cast<char*>(tag)};
 }
 
 class MapLayers : public SimTest {
@@ -57,84 +37,65 @@ protected:
     void SetUp() override {
         AddScripted({"alpha.tvp", "beta.tvp"});
         ASSERT_EQ(host.Start(sim.Root()), 23);
-        host.On<&TVPMHooks::TVPMCreateMapLayer_f>(
-            [](void*, const char* map, TVPMMapLayerType, int, const char*) {
-                return map && std::string(map) == TVPM_MAP_USER_INTERFACE ? 1 : 0;
-            });
+        host.On<&TVPMHooks::TVPMCreateMapLayer_f>([](void*, const char* map, TVPMMapLayerType, int, const char*) {
+            return map && std::string(map) == TVPM_MAP_USER_INTERFACE ? 1 : 0;
+        });
         s_calls.clear();
     }
     TVPMMapLayerID Create(const std::string& key, TVPMCreateMapLayer_t p) {
         return RunAs<TVPMMapLayerID>(key, [&] { return TVPMCreateMapLayer(&p); });
     }
-    void DrawAll(TVPMMapLayerID layer) {
-        const float bounds[4] = {0, 1, 1, 0};
-        TVPMDoMapLayerDrawingHook(layer, bounds, 1, 1, 0, nullptr);
-    }
+    void DrawAll(TVPMMapLayerID layer) { TVPMDoMapLayerDrawingHook(layer, kBounds, 1, 1, 0, nullptr); }
+    const float kBounds[4] = {0, 1, 1, 0};
 };
 
-}  // namespace
-
 TEST_F(MapLayers, OnlyTheExactSizeOnAMapTheSimulatorAcceptsMakesALayer) {
-    TVPMCreateMapLayer_t wrong = Params("a");
+    TVPMCreateMapLayer_t wrong = Params("a"), refused = Params("a"), labelOnly = Params("a", nullptr);
     wrong.structSize = 84;
     EXPECT_EQ(Create("alpha.tvp", wrong), nullptr);
     EXPECT_EQ(host.Count("TVPMCreateMapLayer_f"), 0u);
-
-    TVPMCreateMapLayer_t refused = Params("a");
     refused.mapToCreateLayerIn = "NO_SUCH_MAP";
     EXPECT_EQ(Create("alpha.tvp", refused), nullptr);
     EXPECT_EQ(TVPMNeedsMapLayerDrawingHooks(), 0);  // the refused record is gone
-
-    TVPMCreateMapLayer_t labelOnly = Params("a", nullptr);
     labelOnly.iconCallback = nullptr;
     labelOnly.prepCacheCallback = nullptr;
-    TVPMMapLayerID layer = Create("alpha.tvp", labelOnly);
-    ASSERT_NE(layer, nullptr);
+    ASSERT_NE(Create("alpha.tvp", labelOnly), nullptr);
     EXPECT_EQ(TVPMNeedsMapLayerDrawingHooks(), 0);  // labels alone ask for no drawing hooks
     ASSERT_NE(Create("beta.tvp", Params("b")), nullptr);
     EXPECT_EQ(TVPMNeedsMapLayerDrawingHooks(), 1);
 }
 
-TEST_F(MapLayers, HostHooksReachEachLayerInItsOwnersContext) {
+TEST_F(MapLayers, HooksAndDestroyReachEachLayerInItsOwnersContextWhileItIsEnabled) {
     TVPMMapLayerID a = Create("alpha.tvp", Params("a"));
     TVPMMapLayerID b = Create("beta.tvp", Params("b"));
     DrawAll(a);
     DrawAll(b);
-    const float bounds[4] = {0, 1, 1, 0};
-    TVPMDoMapLayerPrepareCacheHook(b, bounds, nullptr);
+    TVPMDoMapLayerPrepareCacheHook(b, kBounds, nullptr);
     TVPMMapLayerWillBeDeleted(a);
-    TVPMDoMapLayerDrawingHook(&s_calls, bounds, 1, 1, 0, nullptr);  // not a layer: ignored
-    EXPECT_EQ(s_calls, (std::vector<std::string>{"draw alpha.tvp a", "icon alpha.tvp a",
-                                                 "label alpha.tvp a", "draw beta.tvp b",
-                                                 "icon beta.tvp b", "label beta.tvp b",
-                                                 "prep beta.tvp b", "deleted alpha.tvp a"}));
+    DrawAll(&s_calls);  // not a layer: ignored
+    EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return TVPMDestroyMapLayer(b); }), 1);
+    EXPECT_EQ(TVPMDestroyMapLayer(&s_calls), 0);  // never a layer
+    EXPECT_EQ(s_calls, (std::vector<std::string>{"draw alpha.tvp a", "icon alpha.tvp a", "label alpha.tvp a",
+                                                 "draw beta.tvp b", "icon beta.tvp b", "label beta.tvp b",
+                                                 "prep beta.tvp b", "deleted alpha.tvp a", "deleted beta.tvp b"}));
+    EXPECT_EQ(host.Count("TVPMDestroyMapLayer_f"), 1u);
 
     s_calls.clear();
     TVPMDisablePlugin(IdOf("alpha.tvp"));
     DrawAll(a);  // a disabled owner is skipped
     TVPMDrawMapLabel(a, "still a layer", 0, 0, tvpm_MapOrientation_UI, 0);
     TVPMDrawMapLabel(&s_calls, "not a layer", 0, 0, tvpm_MapOrientation_UI, 0);
+    TVPMDrawMapIconFromSheet(b, "icons.png", 0, 0, 1, 1, 0, 0, 0, 0, 1);  // destroyed, still a layer
     EXPECT_TRUE(s_calls.empty());
     EXPECT_EQ(host.Count("TVPMDrawMapLabel_f"), 1u);
-}
-
-TEST_F(MapLayers, DestroyTellsTheOwnerThenTheSimulatorAndKeepsTheRecord) {
-    TVPMMapLayerID a = Create("alpha.tvp", Params("a"));
-    EXPECT_EQ(RunAs<int>("beta.tvp", [&] { return TVPMDestroyMapLayer(a); }), 1);
-    EXPECT_EQ(s_calls, (std::vector<std::string>{"deleted alpha.tvp a"}));
-    EXPECT_EQ(host.SlotSequence({"TVPMDestroyMapLayer_f"}).size(), 1u);
-    EXPECT_EQ(TVPMDestroyMapLayer(&s_calls), 0);  // never a layer
-    TVPMDrawMapIconFromSheet(a, "icons.png", 0, 0, 1, 1, 0, 0, 0, 0, 1);
     EXPECT_EQ(host.Count("TVPMDrawMapIconFromSheet_f"), 1u);
 }
 
 TEST_F(MapLayers, CreationCallbacksRunNewestFirstForTheTwoMapsOnly) {
-    RunAs("alpha.tvp", [] { TVPMRegisterMapCreationHook(OnMapCreated, const_cast<char*>("1")); });
-    RunAs("beta.tvp", [] { TVPMRegisterMapCreationHook(OnMapCreated, const_cast<char*>("2")); });
-    RunAs("alpha.tvp", [] { TVPMRegisterMapCreationHook(OnMapCreated, const_cast<char*>("3")); });
+    for (auto [key, tag] : {std::pair{"alpha.tvp", "1"}, {"beta.tvp", "2"}, {"alpha.tvp", "3"}})
+        RunAs(key, [tag = tag] { TVPMRegisterMapCreationHook(OnMapCreated, const_cast<char*>(tag)); });
     for (const char* map : {TVPM_MAP_IOS, "TVPM_MAP_OTHER", "tvpm_map_ios"}) TVPMMapCreated(map);
-    EXPECT_EQ(s_calls, (std::vector<std::string>{"TVPM_MAP_IOS alpha.tvp 3",
-                                                 "TVPM_MAP_IOS beta.tvp 2",
+    EXPECT_EQ(s_calls, (std::vector<std::string>{"TVPM_MAP_IOS alpha.tvp 3", "TVPM_MAP_IOS beta.tvp 2",
                                                  "TVPM_MAP_IOS alpha.tvp 1"}));
 }
 
@@ -151,10 +112,10 @@ TEST_F(MapLayers, AnUnloadedPluginsLayersAndCreationCallbacksAreNeverCalled) {
     TVPMReloadPlugins();  // unloads and loads again: the same ID, a new plugin
     host.RunFrame();
     ASSERT_EQ(IdOf("alpha.tvp"), 1);
-    host.ClearCalls();
     DrawAll(a);
     TVPMMapLayerWillBeDeleted(a);
     TVPMMapCreated(TVPM_MAP_USER_INTERFACE);
     EXPECT_TRUE(s_calls.empty());
-    EXPECT_EQ(host.Count("TVPMDestroyMapLayer_f"), 0u);  // unloading keeps layers
 }
+
+}  // namespace

@@ -4,93 +4,66 @@
 #include <string>
 #include <vector>
 
-#include "FakeHost.h"
-#include "Harness.h"
-#include "PluginContext.h"
+#include "AlphaBeta.h"
 #include "TVPM/TVPMMenus.h"
-#include "TVPM/TVPMPlugin.h"
-#include "TVPMHost.h"
 
 using namespace tvpmtest;
 
 namespace {
 
-constexpr intptr_t kAircraftHandle = 100;
+// The host hands out menu handles from 100 ("<Aircraft>" 100, "Plugins" 101)
+// and item codes from 1000.
 constexpr intptr_t kPluginsHandle = 101;
-constexpr int kFirstItemCode = 1000;
+int s_nextMenu = 100;
+int s_nextItem = 1000;
 
-int s_nextMenu = kAircraftHandle;
-int s_nextItem = kFirstItemCode;
+using Lines = std::vector<std::string>;
+using ArgLists = std::vector<Lines>;
 
 // Picks as "<menu refcon>/<item refcon>/<current plugin>".
-std::vector<std::string>& Picks() {
-    static std::vector<std::string> picks;
-    return picks;
-}
-
+Lines s_picks;
 std::string Text(void* refcon) { return refcon ? static_cast<const char*>(refcon) : "null"; }
-
 void RecordPick(void* menuRef, void* itemRef) {
-    Picks().push_back(Text(menuRef) + "/" + Text(itemRef) + "/" + std::to_string(TVPMGetMyID()));
+    s_picks.push_back(Text(menuRef) + "/" + Text(itemRef) + "/" + std::to_string(TVPMGetMyID()));
 }
 
 char kTools[] = "tools", kFirst[] = "first", kSecond[] = "second";
 
-std::vector<std::string> Args(std::initializer_list<std::string> a) { return a; }
-std::string Quoted(const std::string& s) { return "\"" + s + "\""; }
-
-// Two loose plugins, alpha and beta, started with a host that hands out menu
-// handles from 100 and item codes from 1000.
-struct MenuHost {
-    FakeHost host;
-    SimFolder sim;
-    TVPMPluginID alpha = -1, beta = -1;
-
-    MenuHost() {
-        sim.AddLoose("alpha.tvp", BuiltPlugin("scripted.tvp"));
-        sim.AddLoose("beta.tvp", BuiltPlugin("scripted.tvp"));
-        ReportErrorsOf("alpha.tvp");
-        ReportErrorsOf("beta.tvp");
-        host.On<&TVPMHooks::TVPMCreateMenu_f>(
-            [](intptr_t, int, const char*) -> intptr_t { return s_nextMenu++; });
-        host.On<&TVPMHooks::TVPMAppendMenu_f>([](intptr_t, const char*) { return s_nextItem++; });
-        host.On<&TVPMHooks::TVPMAppendMenuWithCommand_f>(
-            [](intptr_t, const char*, TVPMCommandRef) { return s_nextItem++; });
-        host.Start(sim.Root());
-        alpha = IdOf("alpha.tvp");
-        beta = IdOf("beta.tvp");
-    }
-    ~MenuHost() { host.Shutdown(); }
-
+// Started with a host that hands out menu handles and item codes.
+struct MenuHost : AlphaBeta {
+    MenuHost()
+        : AlphaBeta([](FakeHost& host) {
+              host.On<&TVPMHooks::TVPMCreateMenu_f>(
+                  [](intptr_t, int, const char*) -> intptr_t { return s_nextMenu++; });
+              host.On<&TVPMHooks::TVPMAppendMenu_f>([](intptr_t, const char*) { return s_nextItem++; });
+              host.On<&TVPMHooks::TVPMAppendMenuWithCommand_f>(
+                  [](intptr_t, const char*, TVPMCommandRef) { return s_nextItem++; });
+          }) {}
     int Append(const std::string& key, TVPMMenuID menu, const std::string& name,
                void* ref = nullptr) {
         return RunAs<int>(key, [=] { return TVPMAppendMenuItem(menu, name.c_str(), ref, 0); });
     }
-    TVPMMenuID Create(const std::string& key, const std::string& name, TVPMMenuID parent,
-                      int parentItem, void* ref) {
+    TVPMMenuID Create(const std::string& key, const std::string& name, TVPMMenuID parent = nullptr,
+                      int parentItem = 0, void* ref = kTools) {
         return RunAs<TVPMMenuID>(key, [=] {
             return TVPMCreateMenu(name.c_str(), parent, parentItem, RecordPick, ref);
         });
     }
-    std::string Err(TVPMPluginID id, const std::string& text) {
-        return std::to_string(id) + ":" + text;
+    ArgLists ArgsOf(const std::string& slot) const {
+        ArgLists out;
+        for (const HostCall& c : host.CallsTo(slot)) out.push_back(c.args);
+        return out;
+    }
+    std::string Pick(const char* item, TVPMPluginID id) const {
+        return std::string("tools/") + item + "/" + std::to_string(id);
     }
 };
 
+std::string Quoted(const std::string& s) { return "\"" + s + "\""; }
+
 }  // namespace
 
-TEST(Menus, SharedMenusAreCreatedAtStartAircraftFirst) {
-    MenuHost t;
-    auto made = t.host.CallsTo("TVPMCreateMenu_f");
-    ASSERT_EQ(made.size(), 2u);
-    EXPECT_EQ(made[0].args, Args({"0", "0", Quoted("<Aircraft>")}));
-    EXPECT_EQ(made[1].args, Args({"0", "0", Quoted("Plugins")}));
-    EXPECT_NE(TVPMFindPluginsMenu(), nullptr);
-    EXPECT_EQ(RunAs<TVPMMenuID>("beta.tvp", [] { return TVPMFindPluginsMenu(); }),
-              TVPMFindPluginsMenu());
-}
-
-TEST(Menus, PluginsSeeOnlyTheirOwnItemsInASharedMenu) {
+TEST(Menus, PluginsSeeAndClearOnlyTheirOwnItemsInASharedMenu) {
     MenuHost t;
     TVPMMenuID plugins = TVPMFindPluginsMenu();
     EXPECT_EQ(t.Append("alpha.tvp", plugins, "a0"), 0);
@@ -101,18 +74,29 @@ TEST(Menus, PluginsSeeOnlyTheirOwnItemsInASharedMenu) {
     t.host.ClearCalls();
     RunAs("alpha.tvp", [plugins] { TVPMRemoveMenuItem(plugins, 0); });
     RunAs("beta.tvp", [plugins] {
-        TVPMSetMenuItemName(plugins, 0, "b0 renamed", 0);
-        TVPMSetMenuItemName(plugins, 1, "b1 renamed", 0);
+        TVPMSetMenuItemName(plugins, 0, "b0'", 0);
+        TVPMSetMenuItemName(plugins, 1, nullptr, 0);
     });
-    RunAs("alpha.tvp", [plugins] { TVPMSetMenuItemName(plugins, 0, "a1 renamed", 0); });
+    RunAs("alpha.tvp", [plugins] { TVPMSetMenuItemName(plugins, 0, "a1'", 0); });
     // Host order is now b0 a1 b1.
-    EXPECT_EQ(t.host.CallsTo("TVPMRemoveMenuItem_f").at(0).args, Args({"101", "0"}));
-    auto titles = t.host.CallsTo("TVPMSetMenuTitle_f");
-    ASSERT_EQ(titles.size(), 3u);
-    EXPECT_EQ(titles[0].args, Args({"101", "0", Quoted("b0 renamed")}));
-    EXPECT_EQ(titles[1].args, Args({"101", "2", Quoted("b1 renamed")}));
-    EXPECT_EQ(titles[2].args, Args({"101", "1", Quoted("a1 renamed")}));
+    EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"101", "0"}}));
+    EXPECT_EQ(t.ArgsOf("TVPMSetMenuTitle_f"),
+              (ArgLists{{"101", "0", Quoted("b0'")}, {"101", "2", Quoted("")},
+                        {"101", "1", Quoted("a1'")}}));
     EXPECT_EQ(t.Append("alpha.tvp", plugins, "a2"), 1);
+
+    // Any plugin clears its own items from the shared menu; none destroys it.
+    t.host.ClearCalls();
+    RunAs("alpha.tvp", [plugins] {
+        TVPMClearAllMenuItems(plugins);
+        TVPMDestroyMenu(plugins);
+    });
+    EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"101", "1"}, {"101", "2"}}))
+        << "a2 moved down when a1 went";
+    EXPECT_EQ(t.host.Count("TVPMDestroyMenu_f"), 0u);
+    EXPECT_EQ(TVPMFindPluginsMenu(), plugins);
+    RunAs("beta.tvp", [plugins] { TVPMSetMenuItemName(plugins, 1, "b1", 0); });
+    EXPECT_EQ(t.ArgsOf("TVPMSetMenuTitle_f"), (ArgLists{{"101", "1", Quoted("b1")}}));
     EXPECT_TRUE(PluginErrors().empty());
 }
 
@@ -137,180 +121,150 @@ TEST(Menus, OutOfRangeIndicesAndUnknownMenusAreReportedAndChangeNothing) {
         EXPECT_EQ(TVPMAppendMenuItemWithCommand(nullptr, "x", nullptr), -1);
         TVPMAppendMenuSeparator(unknown);
     });
-    const TVPMPluginID a = t.alpha;
+    const std::string a = std::to_string(t.alpha) + ":";
+    const std::string remove = a + "TVPMRemoveMenuItem was passed an out of range item index.";
+    const std::string state = a + "TVPMCheckMenuItemState was passed an out of range item index.";
     EXPECT_EQ(PluginErrors(),
-              (std::vector<std::string>{
-                  t.Err(a, "TVPMRemoveMenuItem was passed an out of range item index."),
-                  t.Err(a, "TVPMSetMenuItemName was passed an out of range item index."),
-                  t.Err(a, "TVPMCheckMenuItem was passed an out of range item index."),
-                  t.Err(a, "TVPMCheckMenuItemState was passed an out of range item index."),
-                  t.Err(a, "TVPMCheckMenuItemState was passed an out of range item index."),
-                  t.Err(a, "TVPMRemoveMenuItem was passed an out of range item index."),
-                  t.Err(a, "TVPMCheckMenuItemState was passed an out of range item index."),
-              }));
+              (Lines{remove, a + "TVPMSetMenuItemName was passed an out of range item index.",
+                     a + "TVPMCheckMenuItem was passed an out of range item index.", state, state,
+                     remove, state}));
     EXPECT_TRUE(t.host.Calls().empty());
     EXPECT_EQ(TVPMMenuItemEnabled(kPluginsHandle, 0), 1) << "beta's item untouched";
-    int check = 5;
-    EXPECT_EQ(TVPMCheckMenuHook(kPluginsHandle, 0, &check), 0);
-    EXPECT_EQ(check, -1);
 }
 
-TEST(Menus, OnlyAircraftPluginsGetTheAircraftMenuOthersAreLoggedOnce) {
+TEST(Menus, TheSharedAircraftMenuIsForAircraftPluginsAndLeavesWithThem) {
     MenuHost t;
-    t.host.userAircraftPath = t.sim.AddAircraft("glider", {"acfp"}, BuiltPlugin("scripted.tvp"));
-    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    ASSERT_GT(IdOf("acfp"), 0);
+    EXPECT_EQ(t.ArgsOf("TVPMCreateMenu_f"),
+              (ArgLists{{"0", "0", Quoted("<Aircraft>")}, {"0", "0", Quoted("Plugins")}}));
+    t.LoadAircraftPlugin();
     TVPMMenuID acf = RunAs<TVPMMenuID>("acfp", [] { return TVPMFindAircraftMenu(); });
     EXPECT_NE(acf, nullptr);
     EXPECT_NE(acf, TVPMFindPluginsMenu());
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(RunAs<TVPMMenuID>("alpha.tvp", [] { return TVPMFindAircraftMenu(); }), nullptr);
-    EXPECT_EQ(RunAs<TVPMMenuID>("beta.tvp", [] { return TVPMFindAircraftMenu(); }), nullptr);
-    const std::string log = t.host.Log();
-    const std::string line = "Error: Non-aircraft plugin alpha.tvp failed to access the aircraft menu.\n";
-    ASSERT_NE(log.find(line), std::string::npos);
-    EXPECT_EQ(log.find(line, log.find(line) + 1), std::string::npos);
-    EXPECT_NE(log.find("Error: Non-aircraft plugin beta.tvp failed"), std::string::npos);
+    t.host.ClearCalls();
+    for (const char* key : {"alpha.tvp", "alpha.tvp", "beta.tvp"})
+        EXPECT_EQ(RunAs<TVPMMenuID>(key, [] { return TVPMFindAircraftMenu(); }), nullptr);
+    EXPECT_EQ(t.host.Log(),
+              "Error: Non-aircraft plugin alpha.tvp failed to access the aircraft menu.\n"
+              "Error: Non-aircraft plugin beta.tvp failed to access the aircraft menu.\n");
 
+    // Unloading takes the plugin's own menus and its items in both shared menus.
+    TVPMMenuID plugins = TVPMFindPluginsMenu();
+    t.Append("alpha.tvp", plugins, "a0");
+    TVPMMenuID panel = t.Create("acfp", "Panel");  // hangs on an item in Plugins
+    const intptr_t panelHandle = s_nextMenu - 1;
     t.host.ClearCalls();
     EXPECT_EQ(t.Append("acfp", acf, "Doors"), 0);
-    EXPECT_EQ(t.host.CallsTo("TVPMAppendMenu_f").at(0).args,
-              Args({std::to_string(kAircraftHandle), Quoted("Doors")}));
+    EXPECT_EQ(t.ArgsOf("TVPMAppendMenu_f"), (ArgLists{{"100", Quoted("Doors")}}));
+    t.Append("acfp", panel, "Lights", kFirst);
+    const int lights = s_nextItem - 1;
+    t.Append("alpha.tvp", plugins, "a1");
+
+    t.host.ClearCalls();
+    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
+    EXPECT_EQ(t.ArgsOf("TVPMDestroyMenu_f"), (ArgLists{{std::to_string(panelHandle)}}));
+    EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"101", "1"}, {"100", "0"}}));
+    EXPECT_EQ(TVPMMenuHook(lights), 1) << "the menu is gone";
+    RunAs("alpha.tvp", [plugins] { TVPMSetMenuItemName(plugins, 1, "a1", 0); });
+    EXPECT_EQ(t.ArgsOf("TVPMSetMenuTitle_f"), (ArgLists{{"101", "1", Quoted("a1")}}));
+    EXPECT_TRUE(PluginErrors().empty());
 }
 
 TEST(Menus, AMenuWithoutParentHangsOnItsOwnItemInThePluginsMenu) {
     MenuHost t;
-    TVPMMenuID plugins = TVPMFindPluginsMenu();
-    t.Append("beta.tvp", plugins, "b0");
+    t.Append("beta.tvp", TVPMFindPluginsMenu(), "b0");
     t.host.ClearCalls();
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 5, kTools);
+    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 5);
     ASSERT_NE(tools, nullptr);
-    EXPECT_EQ(t.host.SlotSequence(), (std::vector<std::string>{"TVPMAppendMenu_f", "TVPMCreateMenu_f"}));
-    EXPECT_EQ(t.host.Calls()[0].args, Args({"101", Quoted("Tools")}));
-    EXPECT_EQ(t.host.Calls()[1].args, Args({"101", "1", Quoted("Tools")}))
+    EXPECT_EQ(t.host.SlotSequence(), (Lines{"TVPMAppendMenu_f", "TVPMCreateMenu_f"}));
+    EXPECT_EQ(t.host.Calls()[0].args, (Lines{"101", Quoted("Tools")}));
+    EXPECT_EQ(t.host.Calls()[1].args, (Lines{"101", "1", Quoted("Tools")}))
         << "alpha's item 0 is the host's item 1";
 
-    // A submenu of a plugin menu: the parent item is translated the same way.
+    // A submenu's parent item is translated the same way; an unknown parent,
+    // or an item the plugin does not have, gives item -1.
     t.Append("alpha.tvp", tools, "first");
     t.Append("alpha.tvp", tools, "second");
-    t.host.ClearCalls();
-    t.Create("alpha.tvp", "Sub", tools, 1, nullptr);
-    EXPECT_EQ(t.host.CallsTo("TVPMCreateMenu_f").at(0).args, Args({"102", "1", Quoted("Sub")}));
-
-    // An unknown parent, or an item the plugin does not have, gives item -1.
     int bogus = 0;
     t.host.ClearCalls();
-    t.Create("alpha.tvp", "Lost", &bogus, 0, nullptr);
-    t.Create("beta.tvp", "Foreign", tools, 0, nullptr);
-    auto made = t.host.CallsTo("TVPMCreateMenu_f");
-    ASSERT_EQ(made.size(), 2u);
-    EXPECT_EQ(made[0].args, Args({"0", "-1", Quoted("Lost")}));
-    EXPECT_EQ(made[1].args, Args({"102", "-1", Quoted("Foreign")}));
+    t.Create("alpha.tvp", "Sub", tools, 1);
+    t.Create("alpha.tvp", "Lost", &bogus, 0);
+    t.Create("beta.tvp", "Foreign", tools, 0);
+    EXPECT_EQ(t.ArgsOf("TVPMCreateMenu_f"),
+              (ArgLists{{"102", "1", Quoted("Sub")}, {"0", "-1", Quoted("Lost")},
+                        {"102", "-1", Quoted("Foreign")}}));
 }
 
-TEST(Menus, PicksReachTheMenusPluginWithItsItemRefcon) {
+TEST(Menus, PicksReachTheMenusPluginUnlessItemOrPluginIsDisabled) {
     MenuHost t;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
+    t.Append("alpha.tvp", TVPMFindPluginsMenu(), "no handler", kFirst);
+    const int shared = s_nextItem - 1;
+    static int cmd;
+    TVPMMenuID tools = t.Create("alpha.tvp", "Tools");
+    const intptr_t handle = s_nextMenu - 1;
     t.host.ClearCalls();
     t.Append("alpha.tvp", tools, "first", kFirst);
     t.Append("alpha.tvp", tools, "second", kSecond);
-    RunAs("alpha.tvp", [tools] { TVPMAppendMenuSeparator(tools); });
-    auto codes = t.host.CallsTo("TVPMAppendMenu_f");
-    ASSERT_EQ(codes.size(), 3u);
-    EXPECT_EQ(codes[2].args[1], Quoted("-"));
-    const int first = s_nextItem - 3, second = s_nextItem - 2;
+    RunAs("alpha.tvp", [tools] {
+        TVPMAppendMenuSeparator(tools);
+        TVPMAppendMenuItemWithCommand(tools, nullptr, &cmd);
+    });
+    const int first = s_nextItem - 4, second = s_nextItem - 3, command = s_nextItem - 1;
+    EXPECT_EQ(t.ArgsOf("TVPMAppendMenu_f").at(2), (Lines{"102", Quoted("-")}));
+    EXPECT_EQ(t.ArgsOf("TVPMAppendMenuWithCommand_f"),
+              (ArgLists{{"102", Quoted(""), FormatArg(&cmd)}}));
 
-    EXPECT_EQ(TVPMMenuHook(second), 0);
-    EXPECT_EQ(TVPMMenuHook(first), 0);
-    const std::string a = std::to_string(t.alpha);
-    EXPECT_EQ(Picks(), (std::vector<std::string>{"tools/second/" + a, "tools/first/" + a}));
+    for (int code : {second, first, command, shared}) EXPECT_EQ(TVPMMenuHook(code), 0);
+    EXPECT_EQ(s_picks, (Lines{t.Pick("second", t.alpha), t.Pick("first", t.alpha),
+                              t.Pick("null", t.alpha)}));
     EXPECT_EQ(TVPMGetMyID(), 0);
     EXPECT_EQ(TVPMMenuHook(99999), 1) << "not ours: the host handles it";
-}
 
-TEST(Menus, DisabledItemsAndDisabledPluginsSwallowPicks) {
-    MenuHost t;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
-    t.Append("alpha.tvp", tools, "first", kFirst);
-    t.Append("alpha.tvp", tools, "second", kSecond);
-    const int first = s_nextItem - 2, second = s_nextItem - 1;
-    const intptr_t handle = s_nextMenu - 1;
-
+    s_picks.clear();
     RunAs("alpha.tvp", [tools] { TVPMEnableMenuItem(tools, 0, 0); });
     EXPECT_EQ(TVPMMenuHook(first), 0);
-    EXPECT_EQ(TVPMMenuItemEnabled(handle, 0), 0);
-    EXPECT_EQ(TVPMMenuItemEnabled(handle, 1), 1);
-
     TVPMDisablePlugin(t.alpha);
     EXPECT_EQ(TVPMMenuHook(second), 0);
     EXPECT_EQ(TVPMMenuItemEnabled(handle, 1), 0) << "a disabled plugin's items are greyed";
-    EXPECT_TRUE(Picks().empty());
-
     TVPMEnablePlugin(t.alpha);
-    EXPECT_EQ(TVPMMenuItemEnabled(handle, 1), 1);
     EXPECT_EQ(TVPMMenuHook(second), 0);
-    EXPECT_EQ(Picks(), (std::vector<std::string>{"tools/second/" + std::to_string(t.alpha)}));
-    EXPECT_EQ(TVPMMenuItemEnabled(handle, 2), 1) << "out of range";
-    EXPECT_EQ(TVPMMenuItemEnabled(555, 0), 1) << "unknown menu";
-}
-
-TEST(Menus, ItemsOfTheSharedMenuHaveNoHandler) {
-    MenuHost t;
-    t.Append("alpha.tvp", TVPMFindPluginsMenu(), "plain", kFirst);
-    EXPECT_EQ(TVPMMenuHook(s_nextItem - 1), 0);
-    EXPECT_TRUE(Picks().empty());
+    EXPECT_EQ(s_picks, (Lines{t.Pick("second", t.alpha)}));
+    // Enabled states of items 0, 1 and 4 (out of range), and of an unknown menu.
+    EXPECT_EQ((std::vector<int>{TVPMMenuItemEnabled(handle, 0), TVPMMenuItemEnabled(handle, 1),
+                                TVPMMenuItemEnabled(handle, 4), TVPMMenuItemEnabled(555, 0)}),
+              (std::vector<int>{0, 1, 1, 1}));
 }
 
 TEST(Menus, CheckMarksAsTheHostAsksForThem) {
     MenuHost t;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
+    TVPMMenuID tools = t.Create("alpha.tvp", "Tools");
     const intptr_t handle = s_nextMenu - 1;
-    t.Append("alpha.tvp", tools, "first");
-    t.Append("alpha.tvp", tools, "second");
-    int out = 42;
-    EXPECT_EQ(TVPMCheckMenuHook(handle, 0, &out), 0);
-    EXPECT_EQ(out, -1) << "no check mark by default";
-
+    for (const char* name : {"none", "checked", "unchecked", "odd"}) t.Append("alpha.tvp", tools, name);
     TVPMMenuCheck state = -5;
     RunAs("alpha.tvp", [&] {
         TVPMCheckMenuItem(tools, 1, tvpm_Menu_Checked);
-        TVPMCheckMenuItem(tools, 0, tvpm_Menu_Unchecked);
+        TVPMCheckMenuItem(tools, 2, tvpm_Menu_Unchecked);
+        TVPMCheckMenuItem(tools, 3, 3);
         TVPMCheckMenuItemState(tools, 1, &state);
     });
     EXPECT_EQ(state, tvpm_Menu_Checked);
-    EXPECT_EQ(TVPMCheckMenuHook(handle, 1, &out), 0);
-    EXPECT_EQ(out, 1);
-    EXPECT_EQ(TVPMCheckMenuHook(handle, 0, &out), 0);
-    EXPECT_EQ(out, 0);
-
-    RunAs("alpha.tvp", [&] { TVPMCheckMenuItem(tools, 0, 3); });
-    out = 42;
-    EXPECT_EQ(TVPMCheckMenuHook(handle, 0, &out), 1) << "not a check value the host knows";
-    EXPECT_EQ(TVPMCheckMenuHook(handle, 2, &out), 1);
-    EXPECT_EQ(TVPMCheckMenuHook(777, 0, &out), 1);
-    EXPECT_EQ(out, 42);
+    // The host counts -1 no mark, 0 unchecked, 1 checked; anything else is its own.
+    const struct {
+        intptr_t menu;
+        int item, result, check;
+    } cases[] = {{handle, 0, 0, -1}, {handle, 1, 0, 1}, {handle, 2, 0, 0},
+                 {handle, 3, 1, 42}, {handle, 4, 1, 42}, {777, 0, 1, 42}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.menu) + " item " + std::to_string(c.item));
+        int out = 42;
+        EXPECT_EQ(TVPMCheckMenuHook(c.menu, c.item, &out), c.result);
+        EXPECT_EQ(out, c.check);
+    }
     EXPECT_EQ(t.host.Count("TVPMSetMenuTitle_f"), 0u) << "checking never calls the host";
 }
 
-TEST(Menus, CommandItemsCarryTheirCommand) {
+TEST(Menus, OnlyTheCreatorClearsOrDestroysAMenuEvenWithAShortHostTable) {
     MenuHost t;
-    int cmd = 0;
-    TVPMCommandRef ref = &cmd;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
-    t.host.ClearCalls();
-    EXPECT_EQ(RunAs<int>("alpha.tvp",
-                         [=] { return TVPMAppendMenuItemWithCommand(tools, "Run", ref); }),
-              0);
-    auto calls = t.host.CallsTo("TVPMAppendMenuWithCommand_f");
-    ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].args, Args({"102", Quoted("Run"), FormatArg(static_cast<const void*>(ref))}));
-    EXPECT_EQ(TVPMMenuHook(s_nextItem - 1), 0);
-    EXPECT_EQ(Picks(), (std::vector<std::string>{"tools/null/" + std::to_string(t.alpha)}));
-}
-
-TEST(Menus, OnlyTheCreatorClearsOrDestroysAMenu) {
-    MenuHost t;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
+    TVPMMenuID tools = t.Create("alpha.tvp", "Tools");
     t.Append("alpha.tvp", tools, "first");
     t.Append("beta.tvp", tools, "guest");
     t.host.ClearCalls();
@@ -322,103 +276,22 @@ TEST(Menus, OnlyTheCreatorClearsOrDestroysAMenu) {
     EXPECT_TRUE(PluginErrors().empty()) << "refused silently";
 
     RunAs("alpha.tvp", [tools] { TVPMClearAllMenuItems(tools); });
-    EXPECT_EQ(t.host.CallsTo("TVPMRemoveMenuItem_f").at(0).args, Args({"102", "0"}));
-    EXPECT_EQ(t.Append("beta.tvp", tools, "guest 2"), 1) << "beta's item stays";
+    EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"102", "0"}}));
+    EXPECT_EQ(t.Append("beta.tvp", tools, "guest 2"), 1) << "beta's items stay";
+    t.Append("alpha.tvp", tools, "second");
 
+    t.Create("alpha.tvp", "Kept");
+    t.host.hooks.structSize = 1312;  // a host without the destroy slot
     t.host.ClearCalls();
     RunAs("alpha.tvp", [tools] { TVPMDestroyMenu(tools); });
-    EXPECT_EQ(t.host.SlotSequence(), (std::vector<std::string>{"TVPMDestroyMenu_f"}))
-        << "only the creator's own items are removed first";
-    EXPECT_EQ(t.host.Calls()[0].args, Args({"102"}));
-    EXPECT_EQ(t.Append("alpha.tvp", tools, "late"), -1) << "the ID is gone";
-    EXPECT_EQ(TVPMMenuItemEnabled(102, 0), 1);
-}
-
-TEST(Menus, AShortHostTableNeverHasAMenuDestroyedButUnloadStillDoes) {
-    MenuHost t;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 0, kTools);
-    t.Append("alpha.tvp", tools, "first");
-    t.Create("alpha.tvp", "Kept", nullptr, 0, nullptr);
-    const intptr_t kept = s_nextMenu - 1;
-    t.host.hooks.structSize = 1312;
-    t.host.ClearCalls();
-    RunAs("alpha.tvp", [tools] { TVPMDestroyMenu(tools); });
-    EXPECT_EQ(t.host.SlotSequence(), (std::vector<std::string>{"TVPMRemoveMenuItem_f"}));
+    EXPECT_EQ(t.host.SlotSequence(), (Lines{"TVPMRemoveMenuItem_f"}))
+        << "only the creator's own items are removed";
     EXPECT_EQ(t.Append("alpha.tvp", tools, "late"), -1) << "forgotten all the same";
+    EXPECT_EQ(TVPMMenuItemEnabled(102, 0), 1);
 
     t.host.ClearCalls();
     t.host.Shutdown();
-    auto destroyed = t.host.CallsTo("TVPMDestroyMenu_f");
-    ASSERT_EQ(destroyed.size(), 1u);
-    EXPECT_EQ(destroyed[0].args, Args({std::to_string(kept)}));
-}
-
-TEST(Menus, AnyPluginClearsItsOwnItemsFromThePluginsMenuOnly) {
-    MenuHost t;
-    TVPMMenuID plugins = TVPMFindPluginsMenu();
-    t.Append("alpha.tvp", plugins, "a0");
-    t.Append("beta.tvp", plugins, "b0");
-    t.Append("alpha.tvp", plugins, "a1");
-    t.host.ClearCalls();
-    RunAs("alpha.tvp", [plugins] {
-        TVPMClearAllMenuItems(plugins);
-        TVPMDestroyMenu(plugins);  // not the creator: nothing
-    });
-    auto removed = t.host.CallsTo("TVPMRemoveMenuItem_f");
-    ASSERT_EQ(removed.size(), 2u);
-    EXPECT_EQ(removed[0].args, Args({"101", "0"}));
-    EXPECT_EQ(removed[1].args, Args({"101", "1"})) << "a1 moved down when a0 went";
-    EXPECT_EQ(t.host.Count("TVPMDestroyMenu_f"), 0u);
-    EXPECT_EQ(TVPMFindPluginsMenu(), plugins);
-    RunAs("beta.tvp", [plugins] { TVPMSetMenuItemName(plugins, 0, "still here", 0); });
-    EXPECT_EQ(t.host.CallsTo("TVPMSetMenuTitle_f").at(0).args,
-              Args({"101", "0", Quoted("still here")}));
-}
-
-TEST(Menus, UnloadingAPluginTakesItsMenusAndSharedItemsAlong) {
-    MenuHost t;
-    t.host.userAircraftPath = t.sim.AddAircraft("glider", {"acfp"}, BuiltPlugin("scripted.tvp"));
-    TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
-    TVPMMenuID plugins = TVPMFindPluginsMenu();
-    TVPMMenuID acf = RunAs<TVPMMenuID>("acfp", [] { return TVPMFindAircraftMenu(); });
-    t.Append("alpha.tvp", plugins, "a0");
-    TVPMMenuID panel = t.Create("acfp", "Panel", nullptr, 0, kTools);  // item in Plugins
-    const intptr_t panelHandle = s_nextMenu - 1;
-    t.Append("acfp", acf, "Doors");
-    t.Append("acfp", panel, "Lights", kFirst);
-    const int lights = s_nextItem - 1;
-    t.Append("alpha.tvp", plugins, "a1");
-
-    t.host.ClearCalls();
-    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
-    auto destroyed = t.host.CallsTo("TVPMDestroyMenu_f");
-    ASSERT_EQ(destroyed.size(), 1u);
-    EXPECT_EQ(destroyed[0].args, Args({std::to_string(panelHandle)}));
-    auto removed = t.host.CallsTo("TVPMRemoveMenuItem_f");
-    ASSERT_EQ(removed.size(), 2u);
-    EXPECT_EQ(removed[0].args, Args({"101", "1"}));
-    EXPECT_EQ(removed[1].args, Args({"100", "0"}));
-
-    EXPECT_EQ(TVPMMenuHook(lights), 1) << "the menu is gone";
-    RunAs("alpha.tvp", [plugins] { TVPMSetMenuItemName(plugins, 1, "a1", 0); });
-    EXPECT_EQ(t.host.CallsTo("TVPMSetMenuTitle_f").at(0).args, Args({"101", "1", Quoted("a1")}));
-    EXPECT_TRUE(PluginErrors().empty());
-}
-
-TEST(Menus, NullNamesReachTheHostAsEmptyText) {
-    MenuHost t;
-    t.host.ClearCalls();
-    TVPMMenuID menu = t.Create("alpha.tvp", std::string(), nullptr, 0, nullptr);
-    static int cmd;
-    RunAs("alpha.tvp", [menu] {
-        TVPMAppendMenuItem(menu, nullptr, nullptr, 0);
-        TVPMAppendMenuItemWithCommand(menu, nullptr, &cmd);
-        TVPMSetMenuItemName(menu, 0, nullptr, 0);
-        TVPMCreateMenu(nullptr, menu, 0, nullptr, nullptr);
-    });
-    for (const HostCall& c : t.host.Calls())
-        for (const std::string& arg : c.args) EXPECT_NE(arg, "null") << c.slot;
-    EXPECT_EQ(t.host.Count("TVPMCreateMenu_f"), 2u);
+    EXPECT_EQ(t.ArgsOf("TVPMDestroyMenu_f"), (ArgLists{{"103"}})) << "unload still destroys";
 }
 
 namespace {
@@ -437,7 +310,7 @@ TEST(Menus, AHandlerMayDestroyItsOwnMenuWhilePicked) {
     const int closeMe = s_nextItem - 2;
     t.host.ClearCalls();
     EXPECT_EQ(TVPMMenuHook(closeMe), 0);
-    EXPECT_EQ(t.host.Count("TVPMDestroyMenu_f"), 1u);
-    EXPECT_EQ(t.host.Count("TVPMRemoveMenuItem_f"), 2u);
+    EXPECT_EQ(t.host.SlotSequence(),
+              (Lines{"TVPMRemoveMenuItem_f", "TVPMRemoveMenuItem_f", "TVPMDestroyMenu_f"}));
     EXPECT_EQ(TVPMMenuHook(closeMe), 1);
 }

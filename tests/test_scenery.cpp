@@ -1,18 +1,10 @@
 // test_scenery.cpp: probes, objects held per plugin, background loads across disable and reload, instances, and which plugin owns a code address.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "FakeHost.h"
-#include "Harness.h"
 #include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMInstance.h"
-#include "TVPM/TVPMPlugin.h"
 #include "TVPM/TVPMScenery.h"
-#include "TVPMHost.h"
 
 using namespace tvpmtest;
 
@@ -24,24 +16,14 @@ void* Token(int n) { return reinterpret_cast<void*>(static_cast<intptr_t>(0x1000
 std::string Hex(int n) { return FormatArg(Token(n)); }
 
 // Background-load completions as "<object or null>@<current plugin>".
-std::vector<std::string>& Loaded() {
-    static std::vector<std::string> loaded;
-    return loaded;
-}
-void RecordLoaded(TVPMObjectRef obj, void*) {
-    Loaded().push_back(FormatArg(obj) + "@" + std::to_string(TVPMGetMyID()));
-}
+std::vector<std::string> s_loaded;
+void RecordLoaded(TVPMObjectRef obj, void*) { s_loaded.push_back(FormatArg(obj) + "@" + std::to_string(TVPMGetMyID())); }
 
 // alpha and beta report errors; the simulator hands out probe slots 0, 1, 2...,
 // loads every object as token 1, 2, ... and keeps background loads pending.
 class Scenery : public SimTest {
 protected:
-    struct PendingLoad {
-        std::string path;
-        void (*done)(void*, void*);
-        void* ref;
-    };
-    std::vector<PendingLoad> pending;
+    std::vector<std::pair<void (*)(void*, void*), void*>> pending;
     int nextProbe = 0, nextObject = 1;
 
     void SetUp() override {
@@ -49,81 +31,68 @@ protected:
         ReportErrorsOf("alpha.tvp");
         ReportErrorsOf("beta.tvp");
         PluginErrors().clear();
-        Loaded().clear();
         host.On<&TVPMHooks::TVPMAllocateProbe_f>([this] { return nextProbe++; });
         host.On<&TVPMHooks::TVPMLoadObject_f>(
             [this](const char* path) { return std::string(path) == "missing" ? nullptr : Token(nextObject++); });
         host.On<&TVPMHooks::TVPMLoadObjectAsync_f>(
-            [this](const char* path, void (*done)(void*, void*), void* ref) { pending.push_back({path, done, ref}); });
+            [this](const char*, void (*done)(void*, void*), void* ref) { pending.push_back({done, ref}); });
         host.On<&TVPMHooks::TVPMCreateInstance_f>([this](const char**, void*) { return Token(100 + nextObject++); });
         ASSERT_EQ(host.Start(sim.Root()), 23);
-    }
-    void Complete(void* obj) {
-        for (PendingLoad& p : pending) p.done(obj, p.ref);
-        pending.clear();
     }
     std::vector<Args> ArgsOf(const std::string& slot) const {
         std::vector<Args> out;
         for (const HostCall& c : host.CallsTo(slot)) out.push_back(c.args);
         return out;
     }
-    std::string Err(const std::string& key, const std::string& text) {
-        return std::to_string(IdOf(key)) + ":" + text;
-    }
+    std::string Err(const std::string& key, const std::string& text) { return std::to_string(IdOf(key)) + ":" + text; }
 };
 
-TEST_F(Scenery, ProbeSlotsAreReusedSmallestFirstAndNeverGivenBack) {
-    RunAs("alpha.tvp", [] {
-        TVPMProbeRef p[3] = {TVPMCreateProbe(tvpm_ProbeY), TVPMCreateProbe(tvpm_ProbeY),
-                             TVPMCreateProbe(tvpm_ProbeY)};
-        TVPMDestroyProbe(p[2]);
-        TVPMDestroyProbe(p[1]);
-        TVPMDestroyProbe(p[1]);  // already gone: nothing
-        TVPMProbeInfo_t info{};
-        info.structSize = TVPM_PROBE_INFO_SIZE;
-        TVPMProbeTerrainXYZ(TVPMCreateProbe(tvpm_ProbeY), 1, 2, 3, &info);
-        TVPMProbeTerrainXYZ(TVPMCreateProbe(tvpm_ProbeY), 1, 2, 3, &info);
-    });
-    EXPECT_EQ(host.Count("TVPMAllocateProbe_f"), 3u);
-    const std::vector<Args> probes = ArgsOf("TVPMProbeY_f");
-    ASSERT_EQ(probes.size(), 2u);
-    EXPECT_EQ(probes[0][0], "1");
-    EXPECT_EQ(probes[1][0], "2");
-}
-
-TEST_F(Scenery, ProbeResultsAndRefusals) {
+TEST_F(Scenery, ProbesReuseFreedSlotsSmallestFirstAndRefuseWhatTheyCannotProbe) {
     struct Case {
         const char* what;
-        int structSize, hostAnswer;
-        bool destroyed, nullInfo, wrongType;
+        int hostAnswer, structSize, type;
+        bool destroyed, nullInfo;
         TVPMProbeResult expected;
-        bool asksHost;
     } cases[] = {
-        {"hit", 44, 1, false, false, false, tvpm_ProbeHitTerrain, true},
-        {"any non-zero answer is a hit", 44, 7, false, false, false, tvpm_ProbeHitTerrain, true},
-        {"missed", 44, 0, false, false, false, tvpm_ProbeMissed, true},
-        {"short structure", 40, 1, false, false, false, tvpm_ProbeError, false},
-        {"null output", 44, 1, false, true, false, tvpm_ProbeError, false},
-        {"destroyed probe", 44, 1, true, false, false, tvpm_ProbeError, false},
-        {"unknown type", 44, 1, false, false, true, tvpm_ProbeError, false},
+        {"hit", 1, 44, tvpm_ProbeY, false, false, tvpm_ProbeHitTerrain},
+        {"any non-zero answer is a hit", 7, 44, tvpm_ProbeY, false, false, tvpm_ProbeHitTerrain},
+        {"missed", 0, 44, tvpm_ProbeY, false, false, tvpm_ProbeMissed},
+        {"short structure", 1, 40, tvpm_ProbeY, false, false, tvpm_ProbeError},
+        {"null output", 1, 44, tvpm_ProbeY, false, true, tvpm_ProbeError},
+        {"destroyed probe", 1, 44, tvpm_ProbeY, true, false, tvpm_ProbeError},
+        {"unknown type", 1, 44, 3, false, false, tvpm_ProbeError},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
         host.ClearCalls();
-        host.On<&TVPMHooks::TVPMProbeY_f>([&](int, float* at, float* loc, float*, float*, int* wet) {
-            loc[0] = at[0], loc[1] = 5, loc[2] = at[2], *wet = 1;
+        host.On<&TVPMHooks::TVPMProbeY_f>([&](int, float*, float*, float*, float*, int* wet) {
+            *wet = 1;
             return c.hostAnswer;
         });
         TVPMProbeInfo_t info{};
         info.structSize = c.structSize;
-        const TVPMProbeResult got = RunAs<TVPMProbeResult>("alpha.tvp", [&] {
-            TVPMProbeRef p = TVPMCreateProbe(c.wrongType ? 3 : tvpm_ProbeY);
-            if (c.destroyed) TVPMDestroyProbe(p);
-            return TVPMProbeTerrainXYZ(p, 10, 20, 30, c.nullInfo ? nullptr : &info);
-        });
-        EXPECT_EQ(got, c.expected) << c.what;
-        EXPECT_EQ(host.Count("TVPMProbeY_f"), c.asksHost ? 1u : 0u) << c.what;
-        EXPECT_EQ(info.is_wet, c.asksHost ? 1 : 0) << c.what;
+        EXPECT_EQ(RunAs<TVPMProbeResult>("alpha.tvp", [&] {
+                      TVPMProbeRef p = TVPMCreateProbe(c.type);
+                      if (c.destroyed) TVPMDestroyProbe(p);
+                      const TVPMProbeResult r = TVPMProbeTerrainXYZ(p, 10, 20, 30, c.nullInfo ? nullptr : &info);
+                      TVPMDestroyProbe(p);
+                      return r;
+                  }),
+                  c.expected);
+        EXPECT_EQ(host.Count("TVPMProbeY_f"), c.expected != tvpm_ProbeError ? 1u : 0u);
+        EXPECT_EQ(info.is_wet, c.expected != tvpm_ProbeError ? 1 : 0);
     }
+    EXPECT_EQ(nextProbe, 1);  // each case reused the slot the one before freed
+    RunAs("alpha.tvp", [] {
+        TVPMProbeRef p[3] = {TVPMCreateProbe(tvpm_ProbeY), TVPMCreateProbe(tvpm_ProbeY), TVPMCreateProbe(tvpm_ProbeY)};
+        TVPMDestroyProbe(p[1]);
+        TVPMDestroyProbe(p[2]);
+        TVPMProbeInfo_t info{};
+        info.structSize = TVPM_PROBE_INFO_SIZE;
+        TVPMProbeTerrainXYZ(TVPMCreateProbe(tvpm_ProbeY), 1, 2, 3, &info);
+    });
+    EXPECT_EQ(nextProbe, 3);
+    EXPECT_EQ(host.CallsTo("TVPMProbeY_f").back().args[0], "1");
 }
 
 TEST_F(Scenery, ObjectsBelongToThePluginThatLoadedThem) {
@@ -136,26 +105,23 @@ TEST_F(Scenery, ObjectsBelongToThePluginThatLoadedThem) {
     });
     TVPMObjectRef tower = Token(1), crane = Token(3);
     RunAs("beta.tvp", [&] {
-        TVPMUnloadObject(tower);           // not beta's
+        TVPMUnloadObject(tower);  // not beta's
         TVPMDrawObjects(tower, 2, at, 0, 0);
     });
     RunAs("alpha.tvp", [&] {
         TVPMDrawObjects(tower, 2, at, 1, 0);
         at[1].structSize = 24;
         TVPMDrawObjects(tower, 2, at, 1, 0);
-        TVPMDrawObjects(tower, 0, nullptr, 1, 0);
         TVPMUnloadObject(tower);
         TVPMUnloadObject(tower);  // the only hold of this token is gone
     });
-    EXPECT_EQ(PluginErrors(), (std::vector<std::string>{
-                                  Err("beta.tvp", "Unknown object for TVPMUnloadObject"),
-                                  Err("beta.tvp", "Illegal object, or object not owned by this plugin."),
-                                  Err("alpha.tvp", "Struct size mismatch for TVPMDrawObjects"),
-                                  Err("alpha.tvp", "Unknown object for TVPMUnloadObject")}));
+    EXPECT_EQ(PluginErrors(), (Args{Err("beta.tvp", "Unknown object for TVPMUnloadObject"),
+                                    Err("beta.tvp", "Illegal object, or object not owned by this plugin."),
+                                    Err("alpha.tvp", "Struct size mismatch for TVPMDrawObjects"),
+                                    Err("alpha.tvp", "Unknown object for TVPMUnloadObject")}));
     // Heading goes to the simulator before pitch.
-    EXPECT_EQ(ArgsOf("TVPMDrawObject_f"),
-              (std::vector<Args>{{Hex(1), "1", "2", "3", "20", "10", "30", "1", "0"},
-                                 {Hex(1), "4", "5", "6", "50", "40", "60", "1", "0"}}));
+    EXPECT_EQ(ArgsOf("TVPMDrawObject_f"), (std::vector<Args>{{Hex(1), "1", "2", "3", "20", "10", "30", "1", "0"},
+                                                             {Hex(1), "4", "5", "6", "50", "40", "60", "1", "0"}}));
     host.ClearCalls();
     RunAs("beta.tvp", [] { TVPMSetErrorCallback(nullptr); });
     RunAs("beta.tvp", [&] { TVPMDrawObjects(crane, 1, at, 0, 0); });  // unchecked without a callback
@@ -166,47 +132,47 @@ TEST_F(Scenery, ObjectsBelongToThePluginThatLoadedThem) {
 }
 
 TEST_F(Scenery, BackgroundLoadsReachThePluginOnlyWhenItCanTakeThem) {
+    const std::string delivered = Hex(9) + "@1";
     struct Case {
         const char* what;
         bool disableFirst, reloadFirst, fails;
-        std::vector<std::string> beforeEnable, afterEnable;
+        Args beforeEnable, afterEnable;
         size_t unloadsAtSimulator;
     } cases[] = {
-        {"enabled", false, false, false, {Hex(9) + "@1"}, {Hex(9) + "@1"}, 0},
+        {"enabled", false, false, false, {delivered}, {delivered}, 0},
         {"failed load", false, false, true, {"null@1"}, {"null@1"}, 0},
-        {"disabled", true, false, false, {}, {Hex(9) + "@1"}, 0},
+        {"disabled", true, false, false, {}, {delivered}, 0},
         {"reloaded", false, true, false, {}, {}, 1},
     };
     for (const Case& c : cases) {
-        Loaded().clear();
+        SCOPED_TRACE(c.what);
+        s_loaded.clear();
         host.ClearCalls();
         RunAs("alpha.tvp", [] { TVPMLoadObjectAsync("barn.obj", RecordLoaded, nullptr); });
-        ASSERT_EQ(pending.size(), 1u) << c.what;
+        ASSERT_EQ(pending.size(), 1u);
         if (c.disableFirst) TVPMDisablePlugin(IdOf("alpha.tvp"));
         if (c.reloadFirst) {
             RunAs("alpha.tvp", [] { TVPMReloadPlugins(); });
             host.RunFrame();
         }
-        Complete(c.fails ? nullptr : Token(9));
-        EXPECT_EQ(Loaded(), c.beforeEnable) << c.what;
+        pending[0].first(c.fails ? nullptr : Token(9), pending[0].second);
+        pending.clear();
+        EXPECT_EQ(s_loaded, c.beforeEnable);
         TVPMEnablePlugin(IdOf("alpha.tvp"));
-        EXPECT_EQ(Loaded(), c.afterEnable) << c.what;
-        EXPECT_EQ(host.Count("TVPMUnloadObject_f"), c.unloadsAtSimulator) << c.what;
-        // A delivered object is the plugin's own to unload.
-        if (!c.afterEnable.empty() && !c.fails) {
+        EXPECT_EQ(s_loaded, c.afterEnable);
+        EXPECT_EQ(host.Count("TVPMUnloadObject_f"), c.unloadsAtSimulator);
+        if (!c.afterEnable.empty() && !c.fails) {  // a delivered object is the plugin's own to unload
             RunAs("alpha.tvp", [] { TVPMUnloadObject(Token(9)); });
-            EXPECT_EQ(host.Count("TVPMUnloadObject_f"), 1u) << c.what;
+            EXPECT_EQ(host.Count("TVPMUnloadObject_f"), 1u);
         }
     }
     EXPECT_TRUE(PluginErrors().empty());
 }
 
 TEST_F(Scenery, InstancesHideWithTheirPluginAndGoWithIt) {
-    static const char* drefs[] = {"sim/test/beacon", nullptr};
-    TVPMInstanceRef a = RunAs<TVPMInstanceRef>("alpha.tvp", [] { return TVPMCreateInstance(Token(1), drefs); });
+    TVPMInstanceRef a = RunAs<TVPMInstanceRef>("alpha.tvp", [] { return TVPMCreateInstance(Token(1), nullptr); });
     TVPMInstanceRef b = RunAs<TVPMInstanceRef>("beta.tvp", [] { return TVPMCreateInstance(Token(1), nullptr); });
-    const std::string simA = Hex(101);
-    const std::string simB = Hex(102);
+    const std::string simA = Hex(101), simB = Hex(102);
     const TVPMDrawInfo_t at{28, 1, 2, 3, 10, 20, 30};
     const TVPMDrawInfoDouble_t atDouble{0, 1, 2, 3, 10, 20, 30};
     const float data[] = {0.5f};
@@ -217,24 +183,22 @@ TEST_F(Scenery, InstancesHideWithTheirPluginAndGoWithIt) {
         TVPMInstanceSetPosition(a, nullptr, data);  // ignored
         TVPMInstanceSetAutoShift(a);
     });
-    EXPECT_EQ(host.SlotSequence(), (std::vector<std::string>{
-                                       "TVPMInstanceSetData_f", "TVPMInstanceSetPosition_f",
-                                       "TVPMInstanceSetData_f", "TVPMInstanceSetPositionDouble_f",
-                                       "TVPMInstanceSetAutoShift_f"}));
+    EXPECT_EQ(host.SlotSequence(), (Args{"TVPMInstanceSetData_f", "TVPMInstanceSetPosition_f", "TVPMInstanceSetData_f",
+                                         "TVPMInstanceSetPositionDouble_f", "TVPMInstanceSetAutoShift_f"}));
     EXPECT_EQ(ArgsOf("TVPMInstanceSetPosition_f")[0], (Args{simA, "1", "2", "3", "20", "10", "30"}));
     host.ClearCalls();
     TVPMDisablePlugin(IdOf("alpha.tvp"));
     TVPMEnablePlugin(IdOf("alpha.tvp"));
-    EXPECT_EQ(ArgsOf("TVPMInstanceDisable_f"), (std::vector<Args>{{simA}}));
-    EXPECT_EQ(ArgsOf("TVPMInstanceEnable_f"), (std::vector<Args>{{simA}}));
     RunAs("alpha.tvp", [&] {
         TVPMDestroyInstance(b);  // any plugin may
         TVPMDestroyInstance(b);
-        TVPMInstanceSetPosition(b, &at, data);  // stale: ignored
+        TVPMInstanceSetAutoShift(b);  // stale: ignored
     });
-    EXPECT_EQ(ArgsOf("TVPMDestroyInstance_f"), (std::vector<Args>{{simB}}));
-    EXPECT_EQ(host.Count("TVPMInstanceSetPosition_f"), 0u);
     host.Shutdown();
+    const Args kinds = {"TVPMInstanceDisable_f", "TVPMInstanceEnable_f", "TVPMDestroyInstance_f"};
+    EXPECT_EQ(host.SlotSequence(kinds), (Args{"TVPMInstanceDisable_f", "TVPMInstanceEnable_f", "TVPMDestroyInstance_f",
+                                              "TVPMInstanceDisable_f", "TVPMDestroyInstance_f"}));
+    EXPECT_EQ(ArgsOf("TVPMInstanceEnable_f")[0], Args{simA});
     EXPECT_EQ(ArgsOf("TVPMDestroyInstance_f"), (std::vector<Args>{{simB}, {simA}}));
 }
 
@@ -243,21 +207,13 @@ TEST_F(Scenery, ACodeAddressNamesThePluginWhoseLibraryHoldsIt) {
     ASSERT_NE(lib, nullptr);
     void* inBeta = dlsym(lib, "TPluginStart");
     dlclose(lib);
-    struct Case {
-        void* ip;
-        const char* name;
-        TVPMPluginID id;
-    } cases[] = {
-        {inBeta, "beta.tvp", IdOf("beta.tvp")},
-        {reinterpret_cast<void*>(&TVPMCreateProbe), nullptr, -7},  // the library's own code
-        {reinterpret_cast<void*>(&Token), nullptr, -7},            // the simulator's
-        {nullptr, nullptr, -7},
-    };
-    for (const Case& c : cases) {
+    // The library's own code, the simulator's, and no code at all belong to no plugin.
+    void* const ips[] = {inBeta, reinterpret_cast<void*>(&TVPMCreateProbe), reinterpret_cast<void*>(&Token), nullptr};
+    for (void* ip : ips) {
         TVPMPluginID id = -7;
-        const char* name = TVPMFindPluginForIP(c.ip, &id);
-        EXPECT_EQ(name ? std::string(name) : "null", c.name ? c.name : "null");
-        EXPECT_EQ(id, c.id);
+        const char* name = TVPMFindPluginForIP(ip, &id);
+        EXPECT_EQ(name ? std::string(name) : "null", ip == inBeta ? "beta.tvp" : "null");
+        EXPECT_EQ(id, ip == inBeta ? IdOf("beta.tvp") : -7);
     }
 }
 

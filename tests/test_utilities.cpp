@@ -1,15 +1,11 @@
-// test_utilities.cpp: the log, paths, path splitting, directory listings and data files, as plugins see them.
+// test_utilities.cpp: the log, versions, paths, path splitting, directory listings, data files and forwarders, as plugins see them.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "FakeHost.h"
-#include "Harness.h"
 #include "PluginContext.h"
 #include "SimTest.h"
 #include "TVPM/TVPMPlugin.h"
@@ -17,192 +13,142 @@
 
 using namespace tvpmtest;
 using Utilities = SimTest;
-namespace fs = std::filesystem;
-
-namespace {
-
 using Lines = std::vector<std::string>;
 
-std::vector<std::string> s_errors;
-void CollectError(const char* text) { s_errors.push_back(text); }
-
-// Runs action as the plugin alpha.tvp (its message handler), with an error callback installed.
-void AsPlugin(std::function<void()> action) {
-    RunAs("alpha.tvp", [&] {
-        TVPMSetErrorCallback(CollectError);
-        action();
-    });
+TEST_F(Utilities, NothingReachesTheSimulatorBeforeStartUp) {
+    TVPMDebugString("before start-up\n");
+    TVPMSpeakString("hello");
+    int version = -1, mine = -1, app = -1;
+    TVPMGetVersions(&version, &mine, &app);
+    EXPECT_EQ((std::vector<int>{version, mine, app}), (std::vector<int>{0, 421, 0}));
+    char path[512] = "unchanged";
+    TVPMGetSystemPath(path);
+    TVPMGetPrefsPath(path);
+    EXPECT_STREQ(path, "unchanged");
+    EXPECT_EQ(TVPMGetLanguage(), 0);
+    EXPECT_EQ(TVPMLoadDataFile(tvpm_DataFile_Situation, "a.sit"), 0);
+    EXPECT_TRUE(host.Calls().empty());
 }
 
-std::string Split(const std::string& path, std::string& folder) {
-    std::vector<char> buf(path.begin(), path.end());
-    buf.push_back(0);
-    const std::string file = TVPMExtractFileAndPath(buf.data());
-    folder = buf.data();
-    return file;
-}
-
-Lines Sorted(Lines v) {
-    std::sort(v.begin(), v.end());
-    return v;
-}
-
-}  // namespace
-
-TEST_F(Utilities, LogGoesToTheSimulatorUntouchedAndNeverBeforeStartUp) {
-    TVPMDebugString("before start-up\n");  // no table yet: dropped
-    ASSERT_EQ(host.Start(sim.Root()), 23);
-    host.ClearCalls();
-    TVPMDebugString("one line\n");
-    TVPMDebugString("");
-    TVPMDebugString(nullptr);
-    EXPECT_EQ(host.Count("TVPMDebugString_f"), 2u);
-    EXPECT_EQ(host.Log(), "one line\n");
-    EXPECT_STREQ(TVPMGetDirectorySeparator(), "/");
-}
-
-TEST_F(Utilities, SystemAndPrefsPathsComeFromTheSimulator) {
+TEST_F(Utilities, ForwardersPassThroughAndDropNulls) {
     host.On<&TVPMHooks::TVPMGetPrefsPath_f>([](char* out) { strcpy(out, "/prefs/Torvane.prf"); });
+    host.On<&TVPMHooks::TVPMGetLanguage_f>([] { return 3; });
+    static int marker;
+    host.On<&TVPMHooks::TVPMFindSymbol_f>([](const char*) { return static_cast<void*>(&marker); });
     ASSERT_EQ(host.Start(sim.Root()), 23);
     char path[512] = "";
     TVPMGetSystemPath(path);
     EXPECT_EQ(std::string(path), sim.Root());
     TVPMGetPrefsPath(path);
     EXPECT_STREQ(path, "/prefs/Torvane.prf");
+    EXPECT_STREQ(TVPMGetDirectorySeparator(), "/");
     host.ClearCalls();
-    TVPMGetSystemPath(nullptr);
-    TVPMGetPrefsPath(nullptr);
-    EXPECT_EQ(host.Calls().size(), 0u);
-}
-
-TEST_F(Utilities, ExtractFileAndPathSplitsInPlace) {
-    std::string folder;
-    EXPECT_EQ(Split("a/b/c.txt", folder), "c.txt");
-    EXPECT_EQ(folder, "a/b");
-    EXPECT_EQ(Split("a/b/", folder), "b");
-    EXPECT_EQ(folder, "a");
-    EXPECT_EQ(Split("name", folder), "name");
-    EXPECT_EQ(folder, "name");  // no separator: the whole string is the file
-    EXPECT_EQ(Split("/x", folder), "x");
-    EXPECT_EQ(folder, "");
-    EXPECT_EQ(Split("/", folder), "");
-    EXPECT_EQ(Split("", folder), "");
-    EXPECT_EQ(TVPMExtractFileAndPath(nullptr), nullptr);
-}
-
-TEST_F(Utilities, DirectoryContentsArePackedUntilTheBufferIsFull) {
-    SimFolder sim;
-    const std::string dir = sim.MakeDir("list");
-    for (const char* name : {"aaaa", "bb", "cccccc"})
-        sim.WriteFile(std::string("list/") + name, "x");
-    sim.MakeDir("list/sub");
-
-    char buf[64];
-    char* index[8] = {};
-    int total = -1, returned = -1;
-    EXPECT_EQ(
-        TVPMGetDirectoryContents(dir.c_str(), 0, buf, sizeof buf, index, 8, &total, &returned), 1);
-    EXPECT_EQ(total, 4);
-    ASSERT_EQ(returned, 4);
-    Lines names;
-    for (int i = 0; i < returned; ++i) names.push_back(index[i]);
-    EXPECT_EQ(Sorted(names), (Lines{"aaaa", "bb", "cccccc", "sub"}));
-    // Packed back to back, each with its zero.
-    EXPECT_EQ(index[0], buf);
-    for (int i = 1; i < returned; ++i) EXPECT_EQ(index[i], index[i - 1] + strlen(index[i - 1]) + 1);
-    const Lines order = names;  // the fetch order, used below
-
-    // A buffer too small for the first name: nothing returned, the true total, 0.
-    const size_t firstLen = order[0].size();
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, buf, static_cast<int>(firstLen), index, 8,
-                                       &total, &returned),
-              0);
-    EXPECT_EQ(total, 4);
-    EXPECT_EQ(returned, 0);
-
-    // Exactly the first name fits.
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, buf, static_cast<int>(firstLen + 1), nullptr,
-                                       0, &total, &returned),
-              0);
-    EXPECT_EQ(returned, 1);
-    EXPECT_EQ(std::string(buf), order[0]);
-
-    // The index array limits too; a later start continues the listing.
-    EXPECT_EQ(
-        TVPMGetDirectoryContents(dir.c_str(), 1, buf, sizeof buf, index, 2, &total, &returned), 0);
-    EXPECT_EQ(returned, 2);
-    EXPECT_EQ(std::string(index[0]), order[1]);
-    EXPECT_EQ(
-        TVPMGetDirectoryContents(dir.c_str(), 3, buf, sizeof buf, index, 8, nullptr, &returned), 1);
-    EXPECT_EQ(returned, 1);
-    EXPECT_EQ(std::string(index[0]), order[3]);
-    EXPECT_EQ(
-        TVPMGetDirectoryContents(dir.c_str(), 4, buf, sizeof buf, index, 8, &total, &returned), 1);
-    EXPECT_EQ(returned, 0);
-
-    // Missing folder and null arguments: an empty listing, no crash.
-    EXPECT_EQ(TVPMGetDirectoryContents((dir + "/none").c_str(), 0, buf, sizeof buf, index, 8,
-                                       &total, &returned),
-              1);
-    EXPECT_EQ(total, 0);
-    EXPECT_EQ(TVPMGetDirectoryContents(nullptr, 0, nullptr, 0, nullptr, 0, nullptr, nullptr), 1);
-    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, nullptr, 100, nullptr, 0, &total, &returned),
-              0);
-    EXPECT_EQ(total, 4);
-    EXPECT_EQ(returned, 0);
-}
-
-TEST_F(Utilities, DataFilesCheckTheirTypeBeforeReachingTheSimulator) {
-    AddScripted({"alpha.tvp"});
-    host.On<&TVPMHooks::TVPMLoadDataFile_f>([](TVPMDataFileType, const char*) { return 1; });
-    host.On<&TVPMHooks::TVPMSaveDataFile_f>([](TVPMDataFileType, const char*) { return 1; });
-    ASSERT_EQ(host.Start(sim.Root()), 23);
-    host.ClearCalls();
-    static int results[6];
-    AsPlugin([] {
-        results[0] = TVPMLoadDataFile(3, "Output/situations/a.sit");
-        results[1] = TVPMSaveDataFile(0, "Output/situations/a.sit");
-        results[2] = TVPMLoadDataFile(tvpm_DataFile_Situation, "Output/situations/a.sit");
-        results[3] = TVPMSaveDataFile(tvpm_DataFile_ReplayMovie, "Output/replays/b.rep");
-        results[4] = TVPMLoadDataFile(-1, nullptr);
-        results[5] = TVPMSaveDataFile(tvpm_DataFile_Situation, nullptr);
-    });
-    EXPECT_EQ(results[0], 0);
-    EXPECT_EQ(results[1], 0);
-    EXPECT_EQ(results[2], 1);
-    EXPECT_EQ(results[3], 1);
-    EXPECT_EQ(results[4], 0);
-    EXPECT_EQ(results[5], 1);
-    EXPECT_EQ(s_errors, (Lines{"Illegal file type passed to TVPMLoadDataFile.",
-                               "Illegal file type passed to TVPMSaveDataFile.",
-                               "Illegal file type passed to TVPMLoadDataFile."}));
-    const auto loads = host.CallsTo("TVPMLoadDataFile_f");
-    ASSERT_EQ(loads.size(), 1u);
-    EXPECT_EQ(loads[0].args, (Lines{"1", "\"Output/situations/a.sit\""}));
-    const auto saves = host.CallsTo("TVPMSaveDataFile_f");
-    ASSERT_EQ(saves.size(), 2u);
-    EXPECT_EQ(saves[0].args, (Lines{"2", "\"Output/replays/b.rep\""}));
-    EXPECT_EQ(saves[1].args, (Lines{"1", "\"\""}));
-    // Nothing of this reaches the log.
-    EXPECT_EQ(host.Log(), "");
-}
-
-TEST_F(Utilities, ForwardersPassThrough) {
-    host.On<&TVPMHooks::TVPMGetLanguage_f>([] { return 3; });
-    static int marker;
-    host.On<&TVPMHooks::TVPMFindSymbol_f>([](const char*) { return static_cast<void*>(&marker); });
-    ASSERT_EQ(host.Start(sim.Root()), 23);
-    host.ClearCalls();
+    TVPMDebugString("one line\n");
     TVPMSpeakString("hello");
     TVPMSimulateKeyPress(1, 65);
     EXPECT_EQ(TVPMGetLanguage(), 3);
     EXPECT_EQ(TVPMFindSymbol("HostFunc"), &marker);
     TVPMReloadScenery();
+    TVPMDebugString(nullptr);
     TVPMSpeakString(nullptr);
+    TVPMGetSystemPath(nullptr);
+    TVPMGetPrefsPath(nullptr);
     EXPECT_EQ(TVPMFindSymbol(nullptr), nullptr);
     EXPECT_EQ(host.SlotSequence(),
-              (Lines{"TVPMSpeakString_f", "TVPMSimulateKeyPress_f", "TVPMGetLanguage_f",
-                     "TVPMFindSymbol_f", "TVPMShiftScenery_f"}));
-    EXPECT_EQ(host.Calls()[1].args, (Lines{"1", "65"}));
-    EXPECT_EQ(host.Calls()[3].args, (Lines{"\"HostFunc\""}));
+              (Lines{"TVPMDebugString_f", "TVPMSpeakString_f", "TVPMSimulateKeyPress_f",
+                     "TVPMGetLanguage_f", "TVPMFindSymbol_f", "TVPMShiftScenery_f"}));
+    EXPECT_EQ(host.Log(), "one line\n");
+    EXPECT_EQ(host.Calls()[2].args, (Lines{"1", "65"}));
+    EXPECT_EQ(host.Calls()[4].args, (Lines{"\"HostFunc\""}));
+}
+
+TEST_F(Utilities, ExtractFileAndPathSplitsInPlace) {
+    const struct {
+        const char *path, *file, *folder;
+    } cases[] = {
+        {"a/b/c.txt", "c.txt", "a/b"}, {"a/b/", "b", "a"}, {"name", "name", "name"},
+        {"/x", "x", ""},               {"/", "", ""},       {"", "", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.path);
+        std::vector<char> buf(c.path, c.path + strlen(c.path) + 1);
+        EXPECT_STREQ(TVPMExtractFileAndPath(buf.data()), c.file);
+        EXPECT_STREQ(buf.data(), c.folder);
+    }
+    EXPECT_EQ(TVPMExtractFileAndPath(nullptr), nullptr);
+}
+
+TEST_F(Utilities, DirectoryContentsArePackedUntilTheBufferOrIndexIsFull) {
+    const std::string dir = sim.MakeDir("list");
+    for (const char* name : {"aaaa", "bb", "cccccc"}) sim.WriteFile(std::string("list/") + name, "x");
+    sim.MakeDir("list/sub");
+    char buf[64];
+    char* index[8] = {};
+    int total = -1, returned = -1;
+    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, buf, sizeof buf, index, 8, &total, &returned), 1);
+    ASSERT_EQ(returned, 4);
+    const Lines order(index, index + 4);  // the fetch order
+    EXPECT_EQ(std::set<std::string>(order.begin(), order.end()),
+              (std::set<std::string>{"aaaa", "bb", "cccccc", "sub"}));
+    for (int i = 1; i < 4; ++i) EXPECT_EQ(index[i], index[i - 1] + strlen(index[i - 1]) + 1);
+
+    const int firstSize = static_cast<int>(order[0].size()) + 1;
+    const int allSize = 5 + 3 + 7 + 4;
+    const struct {
+        const char* why;
+        std::string folder;
+        int first, bufSize, indexCount, done, total, returned;
+        const char* firstName;
+    } cases[] = {
+        {"no room for the first name", dir, 0, firstSize - 1, 8, 0, 4, 0, nullptr},
+        {"exactly the first name fits", dir, 0, firstSize, 8, 0, 4, 1, order[0].c_str()},
+        {"one byte short of all four", dir, 0, allSize - 1, 8, 0, 4, 3, order[0].c_str()},
+        {"the index array limits too", dir, 1, 64, 2, 0, 4, 2, order[1].c_str()},
+        {"a later start continues", dir, 3, 64, 8, 1, 4, 1, order[3].c_str()},
+        {"starting at the end", dir, 4, 64, 8, 1, 4, 0, nullptr},
+        {"a missing folder is empty", dir + "/none", 0, 64, 8, 1, 0, 0, nullptr},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        total = returned = -1;
+        EXPECT_EQ(TVPMGetDirectoryContents(c.folder.c_str(), c.first, buf, c.bufSize, index,
+                                           c.indexCount, &total, &returned),
+                  c.done);
+        EXPECT_EQ(total, c.total);
+        EXPECT_EQ(returned, c.returned);
+        if (c.firstName) {
+            EXPECT_STREQ(index[0], c.firstName);
+        }
+    }
+    EXPECT_EQ(TVPMGetDirectoryContents(nullptr, 0, nullptr, 0, nullptr, 0, nullptr, nullptr), 1);
+    EXPECT_EQ(TVPMGetDirectoryContents(dir.c_str(), 0, nullptr, 100, nullptr, 0, &total, &returned), 0);
+    EXPECT_EQ(returned, 0);
+}
+
+TEST_F(Utilities, DataFilesCheckTheirTypeBeforeReachingTheSimulator) {
+    AddScripted({"alpha.tvp"});
+    ReportErrorsOf("alpha.tvp");
+    host.On<&TVPMHooks::TVPMLoadDataFile_f>([](TVPMDataFileType, const char*) { return 1; });
+    host.On<&TVPMHooks::TVPMSaveDataFile_f>([](TVPMDataFileType, const char*) { return 1; });
+    ASSERT_EQ(host.Start(sim.Root()), 23);
+    host.ClearCalls();
+    std::vector<int> results;
+    RunAs("alpha.tvp", [&] {
+        results = {TVPMLoadDataFile(3, "a.sit"), TVPMSaveDataFile(0, "a.sit"),
+                   TVPMLoadDataFile(-1, nullptr), TVPMLoadDataFile(tvpm_DataFile_Situation, "a.sit"),
+                   TVPMSaveDataFile(tvpm_DataFile_ReplayMovie, "b.rep"),
+                   TVPMSaveDataFile(tvpm_DataFile_Situation, nullptr)};
+    });
+    EXPECT_EQ(results, (std::vector<int>{0, 0, 0, 1, 1, 1}));
+    const std::string error = std::to_string(IdOf("alpha.tvp")) + ":Illegal file type passed to ";
+    EXPECT_EQ(PluginErrors(), (Lines{error + "TVPMLoadDataFile.", error + "TVPMSaveDataFile.",
+                                     error + "TVPMLoadDataFile."}));
+    const auto passed = [&](const char* slot) {
+        Lines out;
+        for (const HostCall& c : host.CallsTo(slot)) out.push_back(c.args.at(0) + " " + c.args.at(1));
+        return out;
+    };
+    EXPECT_EQ(passed("TVPMLoadDataFile_f"), Lines{"1 \"a.sit\""});
+    EXPECT_EQ(passed("TVPMSaveDataFile_f"), (Lines{"2 \"b.rep\"", "1 \"\""}));
+    EXPECT_EQ(host.Log(), "") << "nothing of this reaches the log";
 }

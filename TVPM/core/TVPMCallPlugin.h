@@ -70,21 +70,28 @@ enum class TVPMCalled {
     kThrew,     // fn ran and threw; the exception was caught and reported
 };
 
-// Runs fn, catching what it throws under the policy above. The caller has
-// already made id the current plugin.
-template <class F>
-inline TVPMCalled TVPMGuardPluginCall(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+// Runs fn, catching what it throws under the policy above and reporting it
+// under the plugin who() names.
+template <class Who, class F>
+inline TVPMCalled TVPMGuardCall(Who who, TVPMCallSite site, F&& fn) {
     try {
         std::forward<F>(fn)();
         return TVPMCalled::kReturned;
     } catch (abi::__forced_unwind&) {
         throw;
     } catch (const std::exception& e) {
-        TVPMReportPluginThrow(id, site, e.what());
+        TVPMReportPluginThrow(who(), site, e.what());
     } catch (...) {
-        TVPMReportPluginThrow(id, site, nullptr);
+        TVPMReportPluginThrow(who(), site, nullptr);
     }
     return TVPMCalled::kThrew;
+}
+
+// Runs fn under the policy above. The caller has already made id the current
+// plugin.
+template <class F>
+inline TVPMCalled TVPMGuardPluginCall(TVPMPluginID id, TVPMCallSite site, F&& fn) {
+    return TVPMGuardCall([id] { return id; }, site, std::forward<F>(fn));
 }
 
 // Calls fn with plugin id current when id may be called (it is enabled).
@@ -93,6 +100,22 @@ inline TVPMCalled TVPMCallPlugin(TVPMPluginID id, TVPMCallSite site, F&& fn) {
     StDispatchCallback scope(id);
     if (!scope()) return TVPMCalled::kNo;
     return TVPMGuardPluginCall(id, site, std::forward<F>(fn));
+}
+
+// Returns what fn returns, called with plugin id current, or R() when fn
+// throws; for a caller that keeps its owner's record place
+// (TVPMPluginTable::PlaceOf(id)) and has seen place.enabled, so that the
+// owner costs no table lookup. Any other owner goes through TVPMCallPlugin,
+// which decides.
+template <class R, class F>
+inline R TVPMCallEnabledPlugin(const PluginRecord& place, TVPMPluginID id, TVPMCallSite site,
+                               F&& fn) {
+    StCurrentPlugin scope(id, place.dllRef);
+    R result = R();
+    // Within the scope the callee is the current plugin, so a throw is
+    // reported under it and id need not be kept across the call.
+    TVPMGuardCall([] { return gDispatchedPlugin; }, site, [&] { result = fn(); });
+    return result;
 }
 
 // Calls fn with plugin id current whether or not it is enabled: for the

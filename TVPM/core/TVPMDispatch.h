@@ -1,13 +1,16 @@
 // TVPMDispatch.h: the current-plugin scope around every call into a plugin, and the plugin-thread check.
 #pragma once
 
+#include <cstdint>
+#include <cstring>
+
 #include "TVPMPluginTable.h"
 
 // ---------------------------------------------------------------------------
 // Calling into a plugin.
 
 // Weather update opened by the current plugin and not yet closed, or -1.
-extern TVPMPluginID gPendingWeatherUpdate;
+extern TVPMPluginID gPendingWeatherUpdate TVPM_INTERNAL;
 // Closes and reports a weather update that a callback left open.
 void TVPMReportUnclosedWeatherUpdate();
 
@@ -18,7 +21,7 @@ struct TVPMCodeOnStack {
     const void* library;
     const TVPMCodeOnStack* below;
 };
-extern const TVPMCodeOnStack* gCodeOnStack;
+extern const TVPMCodeOnStack* gCodeOnStack TVPM_INTERNAL;
 bool TVPMIsLibraryOnStack(const void* library);
 
 // Puts a library on the chain for the scope's lifetime.
@@ -35,16 +38,41 @@ private:
     TVPMCodeOnStack link_;
 };
 
+// Makes a plugin the current plugin, with its library on the code chain, for
+// the scope's lifetime, and runs the end-of-callback weather check when it
+// ends. One frame (the chain link and the saved current plugins): entering
+// is one load and one store for the current plugins and two stores for the
+// chain, leaving one load for the weather check and two stores.
+class StCurrentPlugin {
+public:
+    StCurrentPlugin(TVPMPluginID id, const void* library)
+        : link_{library, gCodeOnStack}, saved_(gCurrentPlugins) {
+        gCodeOnStack = &link_;
+        // The outer dispatched plugin becomes the client: one shift of the
+        // word (the first member is its low half on this target).
+        uint64_t word;
+        memcpy(&word, &saved_, sizeof word);
+        word = word << 32 | static_cast<uint32_t>(id);
+        memcpy(&gCurrentPlugins, &word, sizeof word);
+    }
+    ~StCurrentPlugin() {
+        if (__builtin_expect(gPendingWeatherUpdate != -1, 0)) TVPMReportUnclosedWeatherUpdate();
+        gCurrentPlugins = saved_;
+        gCodeOnStack = link_.below;
+    }
+    StCurrentPlugin(const StCurrentPlugin&) = delete;
+    StCurrentPlugin& operator=(const StCurrentPlugin&) = delete;
+
+private:
+    TVPMCodeOnStack link_;
+    TVPMCurrentPlugins saved_;
+};
+
 // Marks a plugin as the current plugin for the scope's lifetime; operator()
 // says whether the plugin may be called (it is enabled).
 class StDispatchCallback {
 public:
     explicit StDispatchCallback(TVPMPluginID id) : StDispatchCallback(id, TVPMGetPluginRecord(id)) {}
-    ~StDispatchCallback() {
-        if (gPendingWeatherUpdate != -1) TVPMReportUnclosedWeatherUpdate();
-        gDispatchedPlugin = mOld;
-        gClientPlugin = mReallyOld;
-    }
     StDispatchCallback(const StDispatchCallback&) = delete;
     StDispatchCallback& operator=(const StDispatchCallback&) = delete;
 
@@ -52,18 +80,10 @@ public:
 
 private:
     StDispatchCallback(TVPMPluginID id, const PluginRecord* r)
-        : mOK(r ? r->enabled : gAllPlugins.empty() && id == 0),
-          mOld(gDispatchedPlugin),
-          mReallyOld(gClientPlugin),
-          mOnStack(r ? r->dllRef : nullptr) {
-        gClientPlugin = gDispatchedPlugin;
-        gDispatchedPlugin = id;
-    }
+        : mOK(r ? r->enabled : gAllPlugins.empty() && id == 0), mScope(id, r ? r->dllRef : nullptr) {}
 
     bool mOK;
-    TVPMPluginID mOld;
-    TVPMPluginID mReallyOld;
-    StPluginCodeOnStack mOnStack;
+    StCurrentPlugin mScope;
 };
 
 // ---------------------------------------------------------------------------

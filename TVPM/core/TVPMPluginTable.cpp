@@ -13,8 +13,7 @@ void* gSelf = nullptr;
 char gDirSeparator[2] = {0, 0};
 pthread_t gPluginThread;
 TVPMPluginTable gAllPlugins;
-TVPMPluginID gDispatchedPlugin = 0;
-TVPMPluginID gClientPlugin = 0;
+TVPMCurrentPlugins gCurrentPlugins = {0, 0};
 
 namespace {
 

@@ -6,11 +6,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "TVPMDeliveries.h"
 #include "TVPMHost.h"
+
+// Marks a library global's declaration as internal to the library, so that
+// code reaches it directly rather than through the global offset table (the
+// hidden default covers definitions only).
+#define TVPM_INTERNAL __attribute__((visibility("hidden")))
 
 // ---------------------------------------------------------------------------
 // Host globals, written once by TVPMInitializePlugins.
@@ -61,23 +67,39 @@ struct PluginRecord {
 // The plugin table, indexed by TVPMPluginID. Records are held by pointer so
 // that they (and the delivery queue heads inside them) never move while
 // plugins are appended or trimmed, and so that finding a record on the hot
-// paths is one indexed load.
+// paths is one indexed load. An ID's record keeps its address for the
+// table's lifetime: trimming blanks it (disabled, nothing held) rather than
+// freeing it, and the next plugin to take the ID takes the same record. So a
+// record that names an owner can keep the owner's place and learn whether it
+// may be called in one load, with no bounds check.
 class TVPMPluginTable {
 public:
-    size_t size() const { return records_.size(); }
-    bool empty() const { return records_.empty(); }
-    PluginRecord& operator[](size_t id) const { return *records_[id]; }
-    PluginRecord& back() const { return *records_.back(); }
+    size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    PluginRecord& operator[](size_t id) const { return *places_[id]; }
+    PluginRecord& back() const { return *places_[size_ - 1]; }
     PluginRecord& emplace_back() {
-        records_.push_back(std::make_unique<PluginRecord>());
-        records_.back()->generation = ++generations_;
-        return *records_.back();
+        if (size_ == places_.size()) places_.push_back(std::make_unique<PluginRecord>());
+        PluginRecord& r = *places_[size_++];
+        r.generation = ++generations_;
+        return r;
     }
-    void pop_back() { records_.pop_back(); }
-    void clear() { records_.clear(); }
+    void pop_back() { Blank(*places_[--size_]); }
+    void clear() {
+        while (size_) pop_back();
+    }
     void resize(size_t n) {
-        while (records_.size() > n) records_.pop_back();
-        while (records_.size() < n) emplace_back();
+        while (size_ > n) pop_back();
+        while (size_ < n) emplace_back();
+    }
+    // The record place of id, live or blank; a negative id gets a blank place
+    // of its own. Not for the plugin thread's hot paths: it may allocate.
+    const PluginRecord& PlaceOf(TVPMPluginID id) {
+        static const PluginRecord nobody;
+        if (id < 0) return nobody;
+        while (places_.size() <= static_cast<size_t>(id))
+            places_.push_back(std::make_unique<PluginRecord>());
+        return *places_[static_cast<size_t>(id)];
     }
 
     class iterator {
@@ -93,20 +115,38 @@ public:
     private:
         const std::unique_ptr<PluginRecord>* p_;
     };
-    iterator begin() const { return iterator(records_.data()); }
-    iterator end() const { return iterator(records_.data() + records_.size()); }
+    iterator begin() const { return iterator(places_.data()); }
+    iterator end() const { return iterator(places_.data() + size_); }
 
 private:
-    std::vector<std::unique_ptr<PluginRecord>> records_;
+    static void Blank(PluginRecord& r) {
+        r.~PluginRecord();
+        new (&r) PluginRecord();
+    }
+
+    // Every place an ID has had; the first size_ hold the plugins.
+    std::vector<std::unique_ptr<PluginRecord>> places_;
+    size_t size_ = 0;
     uint64_t generations_ = 0;
 };
 
-extern TVPMPluginTable gAllPlugins;
+extern TVPMPluginTable gAllPlugins TVPM_INTERNAL;
 
 // The plugin being called now (0 the host, -1 none) and the one that was
-// current when it was entered.
-extern TVPMPluginID gDispatchedPlugin;
-extern TVPMPluginID gClientPlugin;
+// current when it was entered, in one word: a dispatch scope saves and
+// restores both with one load and one store.
+struct alignas(8) TVPMCurrentPlugins {
+    TVPMPluginID dispatched;
+    TVPMPluginID client;
+};
+static_assert(sizeof(TVPMCurrentPlugins) == 8 && offsetof(TVPMCurrentPlugins, dispatched) == 0 &&
+                  offsetof(TVPMCurrentPlugins, client) == 4,
+              "the current plugins are saved and restored as one word");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "entering a scope shifts the dispatched plugin into the client's half of the word");
+extern TVPMCurrentPlugins gCurrentPlugins TVPM_INTERNAL;
+inline constexpr TVPMPluginID& gDispatchedPlugin = gCurrentPlugins.dispatched;
+inline constexpr TVPMPluginID& gClientPlugin = gCurrentPlugins.client;
 
 inline bool TVPMIsValidPluginID(TVPMPluginID id) {
     return id >= 0 && static_cast<size_t>(id) < gAllPlugins.size();

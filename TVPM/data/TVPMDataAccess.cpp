@@ -86,7 +86,7 @@ void FillRecord(TVPMData_t* d, TVPMDataTypeID type, int writable, const TVPMAcce
                                      (static_cast<unsigned>(type) >> kDeprecationShift) & 0xFF)
                                : Current;
     static_cast<TVPMAccessors&>(*d) = a;
-    d->plugin = owner;
+    SetDataOwner(d, owner);
 }
 
 // Finds or makes the record for name (fresh tells which). When the name is
@@ -231,7 +231,7 @@ TVPM_API void TVPMUnregisterDataAccessor(TVPMDataRef inDataRef) {
         TVPMSendError("Dataref is not owned by you - you cannot unregsiter.");
         return;
     }
-    d->plugin = -1;
+    SetDataOwner(d, -1);
 }
 
 TVPM_API int TVPMIsDataRefGood(TVPMDataRef inDataRef) { return DataIsValid(inDataRef) ? 1 : 0; }
@@ -298,7 +298,7 @@ void TVPMDataRefsCleanupHook(TVPMPluginID id) {
     {
         std::lock_guard<std::mutex> lock(gDataLock);
         for (auto& entry : gDataRefs)
-            if (entry.second->plugin == id) entry.second->plugin = -1;
+            if (entry.second->plugin == id) SetDataOwner(entry.second, -1);
     }
     TVPMSharedDataForgetPlugin(id);
 }

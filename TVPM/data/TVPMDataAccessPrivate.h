@@ -47,7 +47,14 @@ struct TVPMData_t : TVPMAccessors {
     eDrefDeprecations deprecated;
     const char* replaced_by;
     TVPMPluginID plugin;  // -1: dead (unregistered or its owner went away)
+    const PluginRecord* ownerPlace;  // gAllPlugins.PlaceOf(plugin): set with it
 };
+
+// Sets the item's owner and the owner's record place together.
+inline void SetDataOwner(TVPMData_t* d, TVPMPluginID id) {
+    d->plugin = id;
+    d->ownerPlace = &gAllPlugins.PlaceOf(id);
+}
 
 constexpr int kDataRefsPerBlock = 102;
 constexpr TVPMDataTypeID kDataTypeMask = 0x7FFFFF;

@@ -7,95 +7,57 @@ namespace {
 
 inline TVPMData_t* Record(TVPMDataRef ref) { return static_cast<TVPMData_t*>(ref); }
 
-// Hands call a function that runs the accessor and keeps its result; the
-// neutral value stands when call does not run it or it throws.
-template <class R, class Call, class Accessor, class... Args>
-inline R Forward(Call call, Accessor accessor, void* refcon, Args... args) {
-    if constexpr (std::is_void_v<R>) {
-        call([&] { accessor(refcon, args...); });
-    } else {
-        R result = R();
-        call([&] { result = accessor(refcon, args...); });
-        return result;
-    }
-}
+// What an accessor call yields here: writes count as returning 0.
+template <class R>
+using Yield = std::conditional_t<std::is_void_v<R>, int, R>;
 
-// The accessor through the call helper's guard: a throw is logged once per
-// plugin.
 template <class R, class Accessor, class... Args>
-inline R CallGuarded(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
-    auto guard = [owner](auto&& fn) { TVPMGuardPluginCall(owner, TVPMCallSite::kDataAccessor, fn); };
-    return Forward<R>(guard, accessor, refcon, args...);
+inline Yield<R> Invoke(Accessor accessor, void* refcon, Args... args) {
+    if constexpr (std::is_void_v<R>) {
+        accessor(refcon, args...);
+        return 0;
+    } else {
+        return accessor(refcon, args...);
+    }
 }
 
 // The general path, for an owner that is disabled, gone or the simulator
-// before start-up: the call helper decides.
+// before start-up: the call helper decides. Out of line and with its
+// arguments in registers, so the hot path builds nothing for it.
 template <class R, class Accessor, class... Args>
-__attribute__((noinline, cold)) R CallThroughHelper(TVPMPluginID owner, Accessor accessor,
-                                                    void* refcon, Args... args) {
-    auto helper = [owner](auto&& fn) { TVPMCallPlugin(owner, TVPMCallSite::kDataAccessor, fn); };
-    return Forward<R>(helper, accessor, refcon, args...);
+__attribute__((noinline, cold)) Yield<R> CallThroughHelper(TVPMPluginID owner, Accessor accessor,
+                                                           void* refcon, Args... args) {
+    Yield<R> result = Yield<R>();
+    TVPMCallPlugin(owner, TVPMCallSite::kDataAccessor,
+                   [&] { result = Invoke<R>(accessor, refcon, args...); });
+    return result;
 }
 
-// What the dispatch scope keeps, in one frame: the chain link must live in
-// memory anyway, and keeping the saved plugins beside it costs fewer stores
-// than holding them in callee-saved registers.
-struct OwnerFrame {
-    TVPMCodeOnStack link;
-    TVPMPluginID dispatched, client;
-};
-
-// What the dispatch scope does for an enabled owner, written out: this is the
-// one path hot enough for the difference to show.
-inline void EnterOwner(TVPMPluginID owner, OwnerFrame& frame) {
-    frame.dispatched = gDispatchedPlugin;
-    frame.client = gClientPlugin;
-    frame.link.below = gCodeOnStack;
-    gCodeOnStack = &frame.link;
-    gClientPlugin = frame.dispatched;
-    gDispatchedPlugin = owner;
-}
-
-inline void LeaveOwner(const OwnerFrame& frame) {
-    if (__builtin_expect(gPendingWeatherUpdate != -1, 0)) TVPMReportUnclosedWeatherUpdate();
-    gDispatchedPlugin = frame.dispatched;
-    gClientPlugin = frame.client;
-    gCodeOnStack = frame.link.below;
-}
-
-// Calls one accessor with the owner as the current plugin. No lookup, lock or
-// allocation: this runs for every item a plugin reads every frame. A disabled
-// or departed owner (-1) is not called and the result is 0.
+// Calls one accessor with the owner as the current plugin; the result stays 0
+// when the owner may not be called (disabled or departed) or the accessor
+// throws. No lookup, lock or allocation: this runs for every item a plugin
+// reads every frame.
 template <class R, class Accessor, class... Args>
-inline R CallOwner(TVPMPluginID owner, Accessor accessor, void* refcon, Args... args) {
-    const PluginRecord* r = TVPMGetPluginRecord(owner);
-    if (__builtin_expect(!r || !r->enabled, 0))
-        return CallThroughHelper<R>(owner, accessor, refcon, args...);
-    OwnerFrame frame;
-    frame.link.library = r->dllRef;
-    EnterOwner(owner, frame);
-    if constexpr (std::is_void_v<R>) {
-        CallGuarded<R>(owner, accessor, refcon, args...);
-        LeaveOwner(frame);
-    } else {
-        const R result = CallGuarded<R>(owner, accessor, refcon, args...);
-        LeaveOwner(frame);
-        return result;
-    }
+inline Yield<R> CallOwner(const TVPMData_t* d, Accessor accessor, void* refcon, Args... args) {
+    const PluginRecord& owner = *d->ownerPlace;
+    if (__builtin_expect(!owner.enabled, 0))
+        return CallThroughHelper<R>(d->plugin, accessor, refcon, args...);
+    return TVPMCallEnabledPlugin<Yield<R>>(owner, d->plugin, TVPMCallSite::kDataAccessor,
+                                           [&] { return Invoke<R>(accessor, refcon, args...); });
 }
 
 template <class R, class Accessor, class... Args>
 inline R Read(TVPMDataRef ref, Accessor TVPMAccessors::*slot, Args... args) {
     const TVPMData_t* d = Record(ref);
     if (!d || !(d->*slot)) return R();
-    return CallOwner<R>(d->plugin, d->*slot, d->readRef, args...);
+    return CallOwner<R>(d, d->*slot, d->readRef, args...);
 }
 
 template <class Accessor, class... Args>
 inline void Write(TVPMDataRef ref, Accessor TVPMAccessors::*slot, Args... args) {
     const TVPMData_t* d = Record(ref);
     if (!d || !d->writable || !(d->*slot)) return;
-    CallOwner<void>(d->plugin, d->*slot, d->writeRef, args...);
+    CallOwner<void>(d, d->*slot, d->writeRef, args...);
 }
 
 }  // namespace

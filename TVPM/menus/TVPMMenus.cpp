@@ -1,5 +1,6 @@
 // TVPMMenus.cpp: the mirror of every plugin menu, plugin-relative item indices, and menu picks and states for the simulator.
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -26,7 +27,9 @@ struct TVPMItemInfo_t {
 struct TVPMMenuInfo_t {
     intptr_t menuHandle;
     void* menuRef;
-    std::vector<TVPMItemInfo_t> items;  // in host order: index = the host's item index
+    // In host order: index = the host's item index. A deque, so that a growing
+    // menu never copies the items it already has.
+    std::deque<TVPMItemInfo_t> items;
     TVPMMenuHandler_f handler;
     TVPMPluginID plugin;
     // How many of the items each plugin appended, so that appending is O(1).
