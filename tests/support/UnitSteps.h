@@ -60,9 +60,7 @@ void TVPMWeatherCleanupHook(TVPMPluginID id) {
     gPendingWeatherUpdate = -1;
 }
 void TVPMCheckNothingOwnedBy(TVPMPluginID) {}
-void TVPMReadDiagnosticsSwitch() {}
 void TVPMDiagnoseError(const char*, TVPMPluginID) {}
-void TVPMDiagnoseUnknownDataRef(const char*, TVPMPluginID) {}
 void TVPMDiagnoseLeftAtUnload(TVPMPluginID) {}
 void TVPMDisplaySyncGuiWindowStateWithPluginHook(TVPMPluginID id, int enabled) {
     Step("TVPMDisplaySyncGuiWindowStateWithPluginHook %d %d", id, enabled);
