@@ -1,4 +1,4 @@
-// test_passthrough_services.cpp: navigation, graphics, map-projection and magnetic-variation calls reach their simulator slot with their arguments.
+// test_passthrough_services.cpp: navigation, graphics, map-projection, magnetic-variation and user-aircraft placement calls reach their simulator slot with their arguments.
 #include <functional>
 #include <thread>
 
@@ -7,6 +7,7 @@
 #include "TVPM/TVPMGraphics.h"
 #include "TVPM/TVPMMap.h"
 #include "TVPM/TVPMNavigation.h"
+#include "TVPM/TVPMPlanes.h"
 #include "TVPM/TVPMScenery.h"
 
 using namespace tvpmtest;
@@ -24,14 +25,10 @@ const char* const kId = "KSEA";
 // Navigation and graphics calls are generated from one forwarding list each, so a
 // few stand for the rest; the map and magnetic calls are written one by one.
 const Forwarded kForwarded[] = {
-    {"TVPMGetNextNavAid_f", [] { TVPMGetNextNavAid(7); }, "7"},
     {"TVPMFindNavAid_f", [] { TVPMFindNavAid(nullptr, kId, nullptr, nullptr, nullptr, 1); },
      "null,\"KSEA\",null,null,null,1"},
-    {"TVPMSetFMSFlightPlanEntryLatLonWithId_f",
-     [] { TVPMSetFMSFlightPlanEntryLatLonWithId(1, 2, 1.5f, 2.5f, 9, kId, 4); }, "1,2,1.5,2.5,9,\"KSEA\",4"},
     {"TVPMBindTexture2d_f", [] { TVPMBindTexture2d(12, 1); }, "12,1"},
     {"TVPMDrawString_f", [] { TVPMDrawString(nullptr, 5, 6, kId, nullptr, 18); }, "null,5,6,\"KSEA\",null,18"},
-    {"TVPMDrawNumber_f", [] { TVPMDrawNumber(nullptr, 5, 6, 2.25, 4, 2, 1, 0); }, "null,5,6,2.25,4,2,1,0"},
     {"TVPMMapExists_f", [] { TVPMMapExists(kId); }, "\"KSEA\""},
     {"TVPMMapProject_f", [] { TVPMMapProject(nullptr, 47.5, 8.5, nullptr, nullptr); }, "null,47.5,8.5,null,null"},
     {"TVPMMapUnproject_f", [] { TVPMMapUnproject(nullptr, 1.5f, 2.5f, nullptr, nullptr); }, "null,1.5,2.5,null,null"},
@@ -40,6 +37,11 @@ const Forwarded kForwarded[] = {
     {"TVPMGetMagneticVariation_f", [] { TVPMGetMagneticVariation(47.5, 8.5); }, "47.5,8.5"},
     {"TVPMDegTrueToDegMagnetic_f", [] { TVPMDegTrueToDegMagnetic(90); }, "90"},
     {"TVPMDegMagneticToDegTrue_f", [] { TVPMDegMagneticToDegTrue(270); }, "270"},
+    {"TVPMLoadAirport_f", [] { TVPMPlaceUserAtAirport(kId); }, "\"KSEA\""},
+    {"TVPMInitAtLocation_f", [] { TVPMPlaceUserAtLocation(47.5, -122.3, 1000, 90, 100); }, "47.5,-122.3,1000,90,100"},
+    // The file name is what follows the last '/', or the path less its first character.
+    {"TVPMLoadPlane_f", [] { TVPMSetUsersAircraft("Aircraft/Jet/jet.acf"); }, "0,\"Aircraft/Jet/jet.acf\",\"jet.acf\""},
+    {"TVPMLoadPlane_f", [] { TVPMSetUsersAircraft("plane.acf"); }, "0,\"plane.acf\",\"lane.acf\""},
     {"TVPMLookupObjects_f", [] { TVPMLookupObjects(kId, 1.5f, 2.5f, nullptr, nullptr); }, "\"KSEA\",1.5,2.5,null,null"},
 };
 

@@ -1,5 +1,4 @@
 // test_world_control.cpp: AI-aircraft control passed between plugins through its queue, the user-aircraft operations, and camera control with its releases.
-#include <cstring>
 #include <map>
 
 #include "PluginContext.h"
@@ -115,32 +114,6 @@ TEST_F(WorldControl, TheHoldersLimitAndModelsReachTheSimulator) {
     TVPMUpdatePlaneNameAndPath(0, nullptr, path);  // the user's slot is never replaced
     TVPMUpdatePlaneNameAndPath(2, nullptr, path);  // nothing chosen
     EXPECT_STREQ(path, "untouched");
-}
-
-TEST_F(WorldControl, UserAircraftOperationsKeepTheSimulatorsConventions) {
-    for (auto [path, name] : {std::pair{"Aircraft/Jet/jet.acf", "jet.acf"}, {"plane.acf", "lane.acf"}, {"/x", "x"}}) {
-        host.ClearCalls();
-        RunAs("beta.tvp", [path = path] { TVPMSetUsersAircraft(path); });
-        EXPECT_EQ(host.CallsTo("TVPMLoadPlane_f").at(0).args,
-                  (Lines{"0", "\"" + std::string(path) + "\"", "\"" + std::string(name) + "\""}));
-    }
-    host.On<&TVPMHooks::TVPMGetPlaneName_f>([](int, char* path, char* file) {
-        strcpy(path, "Aircraft/Jet/jet.acf");
-        strcpy(file, "jet.acf");
-    });
-    char file[256] = "", path[512] = "";
-    RunAs("beta.tvp", [&] {
-        TVPMGetNthAircraftModel(0, file, path);
-        TVPMGetNthAircraftModel(0, nullptr, nullptr);
-        TVPMDisableAIForPlane(2);
-        TVPMPlaceUserAtAirport("KSEA");
-        TVPMPlaceUserAtLocation(47.5, -122.3, 1000, 90, 100);
-    });
-    EXPECT_STREQ(file, "jet.acf");
-    EXPECT_STREQ(path, "Aircraft/Jet/jet.acf");
-    EXPECT_EQ(s_items["sim/private/net_disables/ai_loc[2]"], 1);
-    EXPECT_EQ(host.CallsTo("TVPMLoadAirport_f").at(0).args, (Lines{"\"KSEA\""}));
-    EXPECT_EQ(host.CallsTo("TVPMInitAtLocation_f").at(0).args, (Lines{"47.5", "-122.3", "1000", "90", "100"}));
 }
 
 TEST_F(WorldControl, ControlEndsWithTheHoldersDisableAndDisabledPluginsAreNotCalledBack) {
