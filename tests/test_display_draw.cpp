@@ -49,48 +49,36 @@ struct Probe {
     int needs, answer;
     Calls calls;
 };
-struct HookCase {
-    const char* name;
-    std::vector<Reg> regs;  // beta sees reflections
-    std::vector<Probe> probes;
-    bool alphaDisabled = false;
+// Registered in this order; beta sees reflections.
+const Reg kRegs[] = {
+    {"alpha.tvp", tvpm_Phase_Objects, 1, 1, "a"},        {"beta.tvp", tvpm_Phase_Objects, 1, 1, "b"},
+    {"alpha.tvp", tvpm_Phase_Panel, 1, 1, "one"},        {"alpha.tvp", tvpm_Phase_Panel, 1, 2, "two"},
+    {"alpha.tvp", tvpm_Phase_Panel, 1, 1, "again"},      {"alpha.tvp", tvpm_Phase_Terrain, 0, 0, "after"},
+    {"alpha.tvp", tvpm_Phase_LastScene, 1, 0, "last"},   {"alpha.tvp", tvpm_Phase_FirstScene, 1, 0, "pre"},
+    {"alpha.tvp", tvpm_Phase_FirstScene, 0, 1, "post"},  {"alpha.tvp", tvpm_Phase_Airports, 0, 1, "x"},
+    {"alpha.tvp", tvpm_Phase_FirstCockpit, 0, 1, "y"},   {"alpha.tvp", tvpm_Phase_Gauges, 2, 0, "two"},
+    {"alpha.tvp", tvpm_Phase_LastCockpit, 1, 1, "z"},    {"alpha.tvp", tvpm_Phase_LocalMapProfile, 0, 0, "p"},
+    {"alpha.tvp", tvpm_Phase_Airplanes, 1, 1, "a"},      {"beta.tvp", tvpm_Phase_Airplanes, 1, 1, "b"},
+    {"alpha.tvp", tvpm_Phase_Vectors, 0, 1, "v"},        {"alpha.tvp", tvpm_Phase_Modern3D, 1, 0, "a"},
+    {"alpha.tvp", tvpm_Phase_LocalMap3D, 0, 1, "m"},     {"beta.tvp", tvpm_Phase_Modern3D, 0, 1, "b"},
 };
-const HookCase kHookCases[] = {
-    {"NewestFirstAcrossPlugins",
-     {{"alpha.tvp", tvpm_Phase_Objects, 1, 1, "a"}, {"beta.tvp", tvpm_Phase_Objects, 1, 1, "b"}},
-     {{8, 0, false, 1, 1, {"b:20:1", "a:20:1"}}, {9, 0, false, 0, 1, {}}}},
-    {"BeforeAnswersCombineByBitwiseAnd",
-     {{"alpha.tvp", tvpm_Phase_Panel, 1, 1, "one"}, {"alpha.tvp", tvpm_Phase_Panel, 1, 2, "two"},
-      {"alpha.tvp", tvpm_Phase_Panel, 1, 1, "again"}},
-     {{15, 0, false, 1, 0, {"again:40:1", "two:40:1", "one:40:1"}}}},
-    {"AfterKindsAnswerOne",
-     {{"alpha.tvp", tvpm_Phase_Terrain, 0, 0, "after"}, {"alpha.tvp", tvpm_Phase_LastScene, 1, 0, "last"}},
-     {{2, 0, false, 0, 1, {}}, {3, 0, false, 1, 1, {"after:5:0"}}, {12, 0, false, 1, 1, {"last:30:1"}}}},
-    {"KindWithBothTimingsAnswersTheBeforeResult",
-     {{"alpha.tvp", tvpm_Phase_FirstScene, 1, 0, "pre"}, {"alpha.tvp", tvpm_Phase_FirstScene, 0, 1, "post"}},
-     {{1, 0, false, 1, 0, {"pre:0:1", "post:0:0"}}, {1, 0, true, 1, 0, {"pre:0:1"}}}},
-    {"AfterCallbackNeedsOnlyItsKind",
-     {{"alpha.tvp", tvpm_Phase_Airports, 0, 1, "x"}, {"alpha.tvp", tvpm_Phase_FirstCockpit, 0, 1, "y"}},
-     {{4, 0, false, 0, 1, {}}, {5, 0, false, 1, 1, {"x:10:0"}}, {6, 0, false, 0, 1, {}},
-      {14, 0, false, 1, 1, {"y:35:0"}}}},
-    {"BeforeOtherThanZeroOrOneIsNeverCalled",
-     {{"alpha.tvp", tvpm_Phase_Gauges, 2, 0, "two"}, {"alpha.tvp", tvpm_Phase_LastCockpit, 1, 1, "z"}},
-     {{17, 0, false, 0, 1, {}}, {18, 0, false, 0, 1, {}}, {19, 0, false, 1, 1, {"z:55:1"}}}},
-    {"UnknownKindsCallNothing",
-     {{"alpha.tvp", tvpm_Phase_FirstScene, 1, 0, "x"}, {"alpha.tvp", tvpm_Phase_LocalMapProfile, 0, 0, "p"}},
-     {{0, 0, false, 0, 1, {}}, {28, 0, false, 0, 1, {}}, {-1, 0, false, 0, 1, {}},
-      {27, 0, false, 1, 1, {"p:102:0"}}}},
-    {"ReflectionPassesReachOnlyPluginsWithTheFeature",
-     {{"alpha.tvp", tvpm_Phase_Airplanes, 1, 1, "a"}, {"beta.tvp", tvpm_Phase_Airplanes, 1, 1, "b"},
-      {"alpha.tvp", tvpm_Phase_Vectors, 0, 1, "v"}},
-     {{10, 1, false, 1, 1, {"b:25:1"}}, {10, 0, false, 1, 1, {"b:25:1", "a:25:1"}},
-      {7, 1, false, 0, 1, {}}, {7, 0, false, 1, 1, {"v:15:0"}}}},
-    {"DisabledPluginsAreSkippedAndNotNeeded",
-     {{"alpha.tvp", tvpm_Phase_Modern3D, 1, 0, "a"}, {"alpha.tvp", tvpm_Phase_LocalMap3D, 0, 1, "m"},
-      {"beta.tvp", tvpm_Phase_Modern3D, 0, 1, "b"}},
-     {{13, 0, false, 1, 1, {"b:31:0"}}, {25, 0, false, 0, 1, {}}},
-     true},
+const Probe kProbes[] = {
+    // Newest first across plugins; before answers combine by bitwise and; after kinds answer one.
+    {8, 0, false, 1, 1, {"b:20:1", "a:20:1"}}, {9, 0, false, 0, 1, {}},
+    {15, 0, false, 1, 0, {"again:40:1", "two:40:1", "one:40:1"}},
+    {2, 0, false, 0, 1, {}}, {3, 0, false, 1, 1, {"after:5:0"}}, {12, 0, false, 1, 1, {"last:30:1"}},
+    // A kind with both timings answers the before result; an after callback needs only its kind.
+    {1, 0, false, 1, 0, {"pre:0:1", "post:0:0"}}, {1, 0, true, 1, 0, {"pre:0:1"}},
+    {4, 0, false, 0, 1, {}}, {5, 0, false, 1, 1, {"x:10:0"}}, {6, 0, false, 0, 1, {}}, {14, 0, false, 1, 1, {"y:35:0"}},
+    // Before other than 0 or 1 is never called; unknown kinds call nothing.
+    {17, 0, false, 0, 1, {}}, {18, 0, false, 0, 1, {}}, {19, 0, false, 1, 1, {"z:55:1"}},
+    {0, 0, false, 0, 1, {}}, {28, 0, false, 0, 1, {}}, {-1, 0, false, 0, 1, {}}, {27, 0, false, 1, 1, {"p:102:0"}},
+    // Reflection passes reach only plugins with the feature.
+    {10, 1, false, 1, 1, {"b:25:1"}}, {10, 0, false, 1, 1, {"b:25:1", "a:25:1"}},
+    {7, 1, false, 0, 1, {}}, {7, 0, false, 1, 1, {"v:15:0"}},
 };
+// With alpha disabled: its callbacks are skipped and not needed.
+const Probe kProbesAlphaDisabled[] = {{13, 0, false, 1, 1, {"b:31:0"}}, {25, 0, false, 0, 1, {}}};
 
 const Reg kLate{"alpha.tvp", tvpm_Phase_Objects, 1, 1, "late"};
 // Unregisters itself (still a registration until the walk ends, so it cannot
@@ -102,28 +90,23 @@ int UnregisterSelfRegisterLate(TVPMDrawingPhase phase, int before, void*) {
     TVPMRegisterDrawCallback(Record, phase, before, (void*)&kLate);
     return 1;
 }
-void PrintTo(const HookCase& c, std::ostream* os) { *os << c.name; }
-
-class DrawingHooks : public DrawTest, public ::testing::WithParamInterface<HookCase> {};
-
 }  // namespace
 
-TEST_P(DrawingHooks, AnswerAndCallTheRegisteredCallbacks) {
+TEST_F(DrawTest, DrawingHooksAnswerAndCallTheRegisteredCallbacks) {
     rig.As("beta.tvp", [] { TVPMEnableFeature("TVPM_WANTS_REFLECTIONS", 1); });
-    for (const Reg& r : GetParam().regs) Register(rig, r);
-    if (GetParam().alphaDisabled) TVPMDisablePlugin(rig.Id("alpha.tvp"));
+    for (const Reg& r : kRegs) Register(rig, r);
     int fixedWindow = 0;
-    for (const Probe& p : GetParam().probes) {
+    auto check = [&](const Probe& p) {
         SCOPED_TRACE(p.kind);
         g_calls.clear();
         EXPECT_EQ(TVPMNeedsDrawingHook(p.kind, p.renderType), p.needs);
         EXPECT_EQ(TVPMDoDrawingHook(p.kind, p.renderType, p.fixed ? &fixedWindow : nullptr), p.answer);
         EXPECT_EQ(g_calls, p.calls);
-    }
+    };
+    for (const Probe& p : kProbes) check(p);
+    TVPMDisablePlugin(rig.Id("alpha.tvp"));
+    for (const Probe& p : kProbesAlphaDisabled) check(p);
 }
-
-INSTANTIATE_TEST_SUITE_P(Display, DrawingHooks, ::testing::ValuesIn(kHookCases),
-                         [](const ::testing::TestParamInfo<HookCase>& info) { return info.param.name; });
 
 TEST_F(DrawTest, DuplicatesAreRefusedAndUnknownUnregistrationsAnswerZero) {
     static const Reg x{"alpha.tvp", tvpm_Phase_Modern3D, 1, 1, "x"}, y{"alpha.tvp", tvpm_Phase_Modern3D, 1, 1, "y"};

@@ -73,6 +73,8 @@ void CallFromWorker(void (*call)()) {
     std::thread(call).join();
 }
 
+void PrintTo(const EntryPoint& e, std::ostream* os) { *os << e.name; }
+
 class WrongThread : public ::testing::TestWithParam<EntryPoint> {};
 
 }  // namespace

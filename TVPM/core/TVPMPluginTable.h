@@ -142,6 +142,8 @@ struct alignas(8) TVPMCurrentPlugins {
 static_assert(sizeof(TVPMCurrentPlugins) == 8 && offsetof(TVPMCurrentPlugins, dispatched) == 0 &&
                   offsetof(TVPMCurrentPlugins, client) == 4,
               "the current plugins are saved and restored as one word");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "entering a scope shifts the dispatched plugin into the client's half of the word");
 extern TVPMCurrentPlugins gCurrentPlugins TVPM_INTERNAL;
 inline constexpr TVPMPluginID& gDispatchedPlugin = gCurrentPlugins.dispatched;
 inline constexpr TVPMPluginID& gClientPlugin = gCurrentPlugins.client;
