@@ -84,6 +84,7 @@ TEST_F(Utilities, DirectoryContentsArePackedUntilTheBufferOrIndexIsFull) {
     for (int i = 1; i < 4; ++i) EXPECT_EQ(index[i], index[i - 1] + strlen(index[i - 1]) + 1);
 
     const int firstSize = static_cast<int>(order[0].size()) + 1;
+    const int allSize = 5 + 3 + 7 + 4;
     const struct {
         const char* why;
         std::string folder;
@@ -92,6 +93,7 @@ TEST_F(Utilities, DirectoryContentsArePackedUntilTheBufferOrIndexIsFull) {
     } cases[] = {
         {"no room for the first name", dir, 0, firstSize - 1, 8, 0, 4, 0, nullptr},
         {"exactly the first name fits", dir, 0, firstSize, 8, 0, 4, 1, order[0].c_str()},
+        {"one byte short of all four", dir, 0, allSize - 1, 8, 0, 4, 3, order[0].c_str()},
         {"the index array limits too", dir, 1, 64, 2, 0, 4, 2, order[1].c_str()},
         {"a later start continues", dir, 3, 64, 8, 1, 4, 1, order[3].c_str()},
         {"a missing folder is empty", dir + "/none", 0, 64, 8, 1, 0, 0, nullptr},
