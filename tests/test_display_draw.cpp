@@ -69,6 +69,8 @@ const Probe kProbes[] = {
     {2, 0, false, 0, 1, {}}, {3, 0, false, 1, 1, {"after:5:0"}}, {12, 0, false, 1, 1, {"last:30:1"}},
     // A kind with both timings answers the before result; an after callback needs only its kind.
     {1, 0, false, 1, 0, {"pre:0:1", "post:0:0"}}, {1, 0, true, 1, 0, {"pre:0:1"}},
+    // ...unless the kind always answers one.
+    {13, 0, false, 1, 1, {"a:31:1", "b:31:0"}},
     {4, 0, false, 0, 1, {}}, {5, 0, false, 1, 1, {"x:10:0"}}, {6, 0, false, 0, 1, {}}, {14, 0, false, 1, 1, {"y:35:0"}},
     // Before other than 0 or 1 is never called; unknown kinds call nothing.
     {17, 0, false, 0, 1, {}}, {18, 0, false, 0, 1, {}}, {19, 0, false, 1, 1, {"z:55:1"}},

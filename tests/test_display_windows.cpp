@@ -10,11 +10,6 @@
 
 using namespace tvpmtest;
 
-// The creation structure is part of the binary interface.
-static_assert(sizeof(TVPMCreateWindow_t) == TVPM_CREATE_WINDOW_SIZE_GUI && offsetof(TVPMCreateWindow_t, refcon) == 64 &&
-                  offsetof(TVPMCreateWindow_t, decorateAsFloatingWindow) == TVPM_CREATE_WINDOW_SIZE_PLAIN,
-              "window creation structure layout");
-
 namespace {
 
 using Strings = std::vector<std::string>;

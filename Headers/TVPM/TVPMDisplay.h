@@ -13,6 +13,8 @@
 #ifndef TVPMDisplay_h
 #define TVPMDisplay_h
 
+#include <stddef.h>
+
 #include "TVPMDefs.h"
 
 #ifdef __cplusplus
@@ -130,6 +132,10 @@ typedef struct TVPMCreateWindow_t {
     /* Right-button events; read for both sizes, so zero it in a plain one. */
     TVPMHandleMouseClick_f handleRightClickFunc;
 } TVPMCreateWindow_t;
+TVPM_PIN_LAYOUT(create_window_size, sizeof(TVPMCreateWindow_t) == TVPM_CREATE_WINDOW_SIZE_GUI);
+TVPM_PIN_LAYOUT(create_window_refcon, offsetof(TVPMCreateWindow_t, refcon) == 64);
+TVPM_PIN_LAYOUT(create_window_floating,
+                offsetof(TVPMCreateWindow_t, decorateAsFloatingWindow) == TVPM_CREATE_WINDOW_SIZE_PLAIN);
 
 /* Creates a window kept by TVPM for the [current plugin] and puts it in
  * front of all others. Returns its [handle]. */
@@ -290,8 +296,6 @@ TVPM_API void TVPMSetHotKeyCombination(TVPMHotKeyID inHotKey, char inVirtualKey,
  *     callback.
  * A created device is served by its own registration only.
  */
-
-#include <stddef.h>
 
 #ifdef __cplusplus
 extern "C" {
