@@ -9,6 +9,7 @@
 #include <ucontext.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -85,28 +86,53 @@ void WriteCurrentPlugin() {
     Write(line);
 }
 
+// Everything that shows a plugin's code or data was used after its unload,
+// written before anything that asks the dynamic loader or the unwinder, either
+// of which may fault again on the same stale addresses.
+// Returns whether the faulting instruction itself was written.
+bool WriteUnloadedAccess(int sig, const siginfo_t* info, const ucontext_t* uc) {
+    if (sig != SIGSEGV) return false;
+    const auto rip = static_cast<uintptr_t>(uc->uc_mcontext.gregs[REG_RIP]);
+    const auto address = reinterpret_cast<uintptr_t>(info->si_addr);
+    // Fetching an instruction from a plugin's old code range: it was unloaded,
+    // whatever has been mapped there since.
+    if (const CodeRange* old = WatchedRangeOf(rip); old && address == rip) {
+        WriteUnloadedFrame(*old, rip);
+        return true;
+    }
+    // A jump into nothing (a stale function pointer) left its caller on the stack.
+    if (address == rip && !WatchedRangeOf(rip)) {
+        const auto caller = *reinterpret_cast<const uintptr_t*>(uc->uc_mcontext.gregs[REG_RSP]);
+        if (const CodeRange* old = WatchedRangeOf(caller)) WriteUnloadedFrame(*old, caller);
+    }
+    // Reading a plugin's old data (a thread's start routine, a vtable).
+    if (const CodeRange* data = address != rip ? WatchedRangeOf(address) : nullptr) WriteUnloadedFrame(*data, address);
+    return false;
+}
+
+// Only one thread writes the report; a fault inside the handler itself (the
+// unwinder reading unmapped code) ends the process with what is written.
+bool ClaimReport(int sig) {
+    static std::atomic<long> writer{0};
+    const long self = syscall(SYS_gettid);
+    long expected = 0;
+    if (writer.compare_exchange_strong(expected, self)) return true;
+    if (expected == self) _exit(sig == SIGALRM ? kTimeoutExitStatus : kCrashExitStatus);
+    return false;
+}
+
 void OnFatalSignal(int sig, siginfo_t* info, void* context) {
+    if (!ClaimReport(sig))
+        for (;;) pause();  // the thread writing the report ends the process
     char line[1024];
     snprintf(line, sizeof line, "%s\t%s\t%s\t%s\t0x%lx\n", sig == SIGALRM ? "timeout" : "crash", strsignal(sig),
              s_step, s_inFlight, reinterpret_cast<unsigned long>(info->si_addr));
     Write(line);
-    WriteCurrentPlugin();
-    // The faulting instruction first: the unwinder may not get past code
-    // that is no longer mapped.
     const auto* uc = static_cast<const ucontext_t*>(context);
-    const auto rip = static_cast<uintptr_t>(uc->uc_mcontext.gregs[REG_RIP]);
-    // Fetching an instruction from a plugin's old code range: it was unloaded,
-    // whatever has been mapped there since.
-    const CodeRange* old = WatchedRangeOf(rip);
-    if (sig == SIGSEGV && reinterpret_cast<uintptr_t>(info->si_addr) == rip && old)
-        WriteUnloadedFrame(*old, rip);
-    else
-        WriteFrame(reinterpret_cast<void*>(rip));
-    // Reading a plugin's old data (a thread's start routine, a vtable).
-    Dl_info mapped{};
-    const auto address = reinterpret_cast<uintptr_t>(info->si_addr);
-    const CodeRange* data = address != rip ? WatchedRangeOf(address) : nullptr;
-    if (sig == SIGSEGV && data && !dladdr(info->si_addr, &mapped)) WriteUnloadedFrame(*data, address);
+    const bool ripWritten = WriteUnloadedAccess(sig, info, uc);
+    WriteCurrentPlugin();
+    // The faulting instruction first: the unwinder may not get past it.
+    if (!ripWritten) WriteFrame(reinterpret_cast<void*>(uc->uc_mcontext.gregs[REG_RIP]));
     void* frames[kMaxFrames];
     const int count = backtrace(frames, kMaxFrames);
     for (int i = 0; i < count; ++i) WriteFrame(frames[i]);
@@ -169,7 +195,7 @@ void InstallCrashReport(int fd, unsigned timeoutSeconds) {
     sigaltstack(&ss, nullptr);
     struct sigaction action {};
     action.sa_sigaction = OnFatalSignal;
-    action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_RESETHAND;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER;
     sigemptyset(&action.sa_mask);
     for (int sig : kFatalSignals) sigaction(sig, &action, nullptr);
     MakeStepTimer();
