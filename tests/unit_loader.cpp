@@ -102,48 +102,31 @@ protected:
     TVPMHooks hooks{};
 };
 
+const char* const kStaysOff = "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 0";
 const Steps kEnableSteps = {"TVPMDisplayEnableHook 1", "TVPMInstanceEnableHook 1", "TPluginEnable as 1",
                             "TVPMWeatherEnableHook 1"};
-Steps Then(Steps steps, const Steps& more) {
-    steps.insert(steps.end(), more.begin(), more.end());
-    return steps;
+Steps Concat(std::initializer_list<Steps> parts) {
+    Steps all;
+    for (const Steps& part : parts) all.insert(all.end(), part.begin(), part.end());
+    return all;
 }
 
 const Transition kTransitions[] = {
-    {"EnableDeliversWaitingWorkNewestFirstThenSyncsWindows",
+    {"EnableKeepsTheWorkThroughRefusalsByThePluginOrTheWeatherUnitThenDeliversItNewestFirst",
      [] {
          Finish("first");
          Finish("second");
-         TVPMEnablePlugin(1);
-     },
-     Then(kEnableSteps, {"second delivered as 1", "first delivered as 1",
-                         "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1"})},
-    {"EnablingAnEnabledPluginOnlyDeliversAndSyncs",
-     [] {
-         TVPMEnablePlugin(1);
-         gAllPlugins[1].pending.PushFront(new Result("late", 1));
-         s_steps.clear();
-         TVPMEnablePlugin(1);
-     },
-     {"late delivered as 1", "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1"}},
-    {"RefusedEnableKeepsTheWorkForTheNextEnable",
-     [] {
-         Finish("result");
          s_enableResult = 0;
          TVPMEnablePlugin(1);
          s_enableResult = 1;
-         TVPMEnablePlugin(1);
-     },
-     Then({"TVPMDisplayEnableHook 1", "TVPMInstanceEnableHook 1", "TPluginEnable as 1",
-           "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 0"},
-          Then(kEnableSteps, {"result delivered as 1", "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1"}))},
-    {"WeatherUnitMaySwitchItOffAgain",
-     [] {
          s_weatherRefuses = true;
          TVPMEnablePlugin(1);
          s_weatherRefuses = false;
+         TVPMEnablePlugin(1);
      },
-     Then(kEnableSteps, {"TVPMDisplaySyncGuiWindowStateWithPluginHook 1 0"})},
+     Concat({{"TVPMDisplayEnableHook 1", "TVPMInstanceEnableHook 1", "TPluginEnable as 1", kStaysOff}, kEnableSteps,
+             {kStaysOff}, kEnableSteps,
+             {"second delivered as 1", "first delivered as 1", "TVPMDisplaySyncGuiWindowStateWithPluginHook 1 1"}})},
     {"DisableMarksItOffBeforeItsOwnEntryPoint",
      [] {
          TVPMEnablePlugin(1);
