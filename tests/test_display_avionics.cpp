@@ -16,7 +16,6 @@ using namespace tvpmtest;
 namespace {
 
 using Events = std::vector<std::string>;
-Events g_events;
 std::set<std::string> g_consumers;  // labels whose input callbacks consume
 int g_beforeAnswer = 1;
 
@@ -24,7 +23,7 @@ int g_beforeAnswer = 1;
 void Note(void* refcon, const std::string& what) {
     char name[256] = "";
     TVPMGetPluginInfo(TVPMGetMyID(), name, nullptr, nullptr, nullptr);
-    g_events.push_back(std::string(static_cast<const char*>(refcon)) + ":" + what + "@" + name);
+    g_log.push_back(std::string(static_cast<const char*>(refcon)) + ":" + what + "@" + name);
 }
 bool Consumes(void* refcon) { return g_consumers.count(static_cast<const char*>(refcon)) != 0; }
 std::string Num(int n) { return std::to_string(n); }
@@ -77,7 +76,6 @@ void* const kNoDisplay = nullptr;
 class AvionicsTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        g_events.clear();
         rig.host.On<&TVPMHooks::TVPMCreateAvionics_f>([](const TVPMCreateAvionics_t* p) { return (void*)p->deviceID; });
     }
     // alpha customises device 3 and creates A; then beta customises 3 and 4 and creates B.
@@ -85,7 +83,7 @@ protected:
         rig.As("alpha.tvp", [this] { Customise(3, "a3"), alphaDevice = Create(kAlphaDevice); });
         rig.As("beta.tvp", [] { Customise(3, "b3"), Customise(4, "b4"), Create(kBetaDevice); });
     }
-    Events Take() { return std::exchange(g_events, {}); }
+    Events Take() { return std::exchange(g_log, {}); }
 
     DisplayRig rig{{"alpha.tvp", "beta.tvp"}};
     TVPMAvionicsID alphaDevice = nullptr;

@@ -13,7 +13,6 @@ using namespace tvpmtest;
 namespace {
 
 using Calls = std::vector<std::string>;
-Calls g_calls;
 
 // A registration whose refcon is itself: the callback records
 // "label:phase:before" and answers `answer`.
@@ -25,9 +24,9 @@ struct Reg {
 };
 int Record(TVPMDrawingPhase phase, int before, void* refcon) {
     const Reg* r = static_cast<const Reg*>(refcon);
-    return g_calls.push_back(std::string(r->label) + ":" + std::to_string(phase) + ":" + std::to_string(before)), r->answer;
+    return g_log.push_back(std::string(r->label) + ":" + std::to_string(phase) + ":" + std::to_string(before)), r->answer;
 }
-void DrawLabel(TVPMWindowID, void* refcon) { g_calls.push_back(static_cast<const char*>(refcon)); }
+void DrawLabel(TVPMWindowID, void* refcon) { g_log.push_back(static_cast<const char*>(refcon)); }
 
 void Register(DisplayRig& rig, const Reg& r) {
     rig.As(r.plugin, [&] { EXPECT_EQ(TVPMRegisterDrawCallback(Record, r.phase, r.before, (void*)&r), 1); });
@@ -38,7 +37,6 @@ TVPMWindowID Window(TVPMDrawWindow_f draw, const char* label, int visible = 1) {
 
 class DrawTest : public ::testing::Test {
 protected:
-    void SetUp() override { g_calls.clear(); }
     DisplayRig rig{{"alpha.tvp", "beta.tvp"}};
 };
 
@@ -87,7 +85,7 @@ const Reg kLate{"alpha.tvp", tvpm_Phase_Objects, 1, 1, "late"};
 // Unregisters itself (still a registration until the walk ends, so it cannot
 // register again meanwhile) and registers "late", which waits for the next pass.
 int UnregisterSelfRegisterLate(TVPMDrawingPhase phase, int before, void*) {
-    g_calls.push_back("self");
+    g_log.push_back("self");
     EXPECT_EQ(TVPMUnregisterDrawCallback(UnregisterSelfRegisterLate, phase, before, nullptr), 1);
     EXPECT_EQ(TVPMRegisterDrawCallback(UnregisterSelfRegisterLate, phase, before, nullptr), 0);
     TVPMRegisterDrawCallback(Record, phase, before, (void*)&kLate);
@@ -101,10 +99,10 @@ TEST_F(DrawTest, DrawingHooksAnswerAndCallTheRegisteredCallbacks) {
     int fixedWindow = 0;
     auto check = [&](const Probe& p) {
         SCOPED_TRACE(p.kind);
-        g_calls.clear();
+        g_log.clear();
         EXPECT_EQ(TVPMNeedsDrawingHook(p.kind, p.renderType), p.needs);
         EXPECT_EQ(TVPMDoDrawingHook(p.kind, p.renderType, p.fixed ? &fixedWindow : nullptr), p.answer);
-        EXPECT_EQ(g_calls, p.calls);
+        EXPECT_EQ(g_log, p.calls);
     };
     for (const Probe& p : kProbes) check(p);
     // A registration is its callback, phase, timing and refcon together.
@@ -127,7 +125,7 @@ TEST_F(DrawTest, ChangesDuringTheWalkTakeEffectOnTheNextPass) {
     Register(rig, newer);
     TVPMDoDrawingHook(8, 0, nullptr);
     TVPMDoDrawingHook(8, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"newer:20:1", "self", "older:20:1", "late:20:1", "newer:20:1", "older:20:1"}));
+    EXPECT_EQ(g_log, (Calls{"newer:20:1", "self", "older:20:1", "late:20:1", "newer:20:1", "older:20:1"}));
     rig.As("alpha.tvp", [] { EXPECT_EQ(TVPMRegisterDrawCallback(UnregisterSelfRegisterLate, tvpm_Phase_Objects, 1, nullptr), 1); });
 }
 
@@ -165,12 +163,12 @@ TEST_F(DrawTest, WindowsAreDrawnBackToFrontIntoTheirOwnSurfaceWhenVisible) {
     EXPECT_EQ(TVPMNeedsDrawingHook(20, 0), 0);  // only the after kind draws windows
     Register(rig, after);
     EXPECT_EQ(TVPMDoDrawingHook(21, 0, nullptr), 1);
-    EXPECT_EQ(g_calls, (Calls{"A", "B", "C", "after:50:0"}));
-    g_calls.clear();
+    EXPECT_EQ(g_log, (Calls{"A", "B", "C", "after:50:0"}));
+    g_log.clear();
     rig.As("beta.tvp", [&] { TVPMBringWindowToFront(a); });
     TVPMDoDrawingHook(21, 0, nullptr);
     EXPECT_EQ(TVPMDoDrawingHook(21, 0, gui), 1);
-    EXPECT_EQ(g_calls, (Calls{"B", "C", "A", "after:50:0", "gui"}));
+    EXPECT_EQ(g_log, (Calls{"B", "C", "A", "after:50:0", "gui"}));
     TVPMDisablePlugin(rig.Id("alpha.tvp"));
     EXPECT_EQ(TVPMNeedsDrawingHook(21, 0), 0);
 }
@@ -213,12 +211,12 @@ TEST_F(DrawTest, WindowsReorderedReplacedOrDisabledDuringThePassAreDrawnOnceOrNo
     });
     rig.host.ClearCalls();
     TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"0", "self", "2", "3", "disabler"}));
+    EXPECT_EQ(g_log, (Calls{"0", "self", "2", "3", "disabler"}));
     EXPECT_EQ(rig.host.Count("TVPMHideGuiPluginWindow_f"), 1u);
     EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1);
-    g_calls.clear();
+    g_log.clear();
     TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"2", "3", "disabler", "new", "0"}));
+    EXPECT_EQ(g_log, (Calls{"2", "3", "disabler", "new", "0"}));
 }
 
 TEST_F(DrawTest, AircraftPluginsReloadedDuringThePassLoseTheirOldWindowsSafely) {
@@ -235,8 +233,8 @@ TEST_F(DrawTest, AircraftPluginsReloadedDuringThePassLoseTheirOldWindowsSafely) 
     // The old gamma window was destroyed by the reload before its turn and the
     // new one was created during the pass; the new after-callback is in time
     // for the after walk, which starts later.
-    EXPECT_EQ(g_calls, (Calls{"reloader", "gamma-after:50:0"}));
-    g_calls.clear();
+    EXPECT_EQ(g_log, (Calls{"reloader", "gamma-after:50:0"}));
+    g_log.clear();
     TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"reloader", "gamma", "gamma-after:50:0"}));
+    EXPECT_EQ(g_log, (Calls{"reloader", "gamma", "gamma-after:50:0"}));
 }

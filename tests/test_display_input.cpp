@@ -12,12 +12,11 @@ using namespace tvpmtest;
 namespace {
 
 using Log = std::vector<std::string>;
-Log g_events;
 std::vector<TVPMWindowID> g_windows;  // in creation order
 int g_consume = 1;
 
 std::string Label(void* refcon) { return refcon ? static_cast<const char*>(refcon) : "?"; }
-void Note(void* refcon, const std::string& what) { g_events.push_back(Label(refcon) + ":" + what); }
+void Note(void* refcon, const std::string& what) { g_log.push_back(Label(refcon) + ":" + what); }
 std::string At(int s, int x, int y) { return std::to_string(s) + "@" + std::to_string(x) + "," + std::to_string(y); }
 
 int LeftClick(TVPMWindowID, int x, int y, TVPMMouseStatus s, void* r) { return Note(r, "L" + At(s, x, y)), g_consume; }
@@ -92,7 +91,6 @@ int PressKey(char key, TVPMKeyFlags flags, char vkey, void* fixed = nullptr) {
 class InputTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        g_events.clear();
         g_windows.clear();
         g_consume = 1;
         // Drags follow the mouse; global coordinates are told apart by 1000.
@@ -176,7 +174,7 @@ TEST_P(MouseRouting, DeliversTheEventsAndAnswers) {
         }
     }
     EXPECT_EQ(PressKey('q', 0, TVPM_VK_Q), 3);  // nobody kept the keyboard focus
-    EXPECT_EQ(g_events, GetParam().events);
+    EXPECT_EQ(g_log, GetParam().events);
 }
 
 INSTANTIATE_TEST_SUITE_P(Display, MouseRouting, ::testing::ValuesIn(kMouseCases),
@@ -192,7 +190,7 @@ TEST_F(InputTest, CursorAndWheelGoToTheFirstWindowThatCares) {
     EXPECT_EQ(TVPMScrollWheelHook(3, 4, 1, -2, nullptr), 0);
     g_consume = 0;
     EXPECT_EQ(TVPMScrollWheelHook(3, 4, 0, 1, nullptr), 1);
-    EXPECT_EQ(g_events, (Log{"front:cursor", "text:cursor", "front:wheel1@3,4,-2", "front:wheel0@3,4,1",
+    EXPECT_EQ(g_log, (Log{"front:cursor", "text:cursor", "front:wheel1@3,4,-2", "front:wheel0@3,4,1",
                              "text:wheel0@3,4,1", "far:wheel0@3,4,1"}));
 }
 
@@ -223,7 +221,7 @@ TEST_F(InputTest, KeysGoToBeforeSniffersHotKeysFocusWindowAndAfterSniffersInTurn
     rig.As("alpha.tvp", [] { TVPMRegisterKeySniffer(Sniff, 1, (void*)"newer"); });
     EXPECT_EQ(PressKey('x', 0, TVPM_VK_X), 0);
     g_snifferAnswer = 1;
-    EXPECT_EQ(g_events, (Log{"before:sniff97,0,65", "after:sniff97,0,65", "before:sniff0,4,112", "F1:hotkey",
+    EXPECT_EQ(g_log, (Log{"before:sniff97,0,65", "after:sniff97,0,65", "before:sniff0,4,112", "F1:hotkey",
                              "before:sniff109,0,77", "before:sniff98,1,66", "win:key98", "win:key0:losing",
                              "gui:key52", "newer:sniff120,0,88"}));
 }
@@ -240,7 +238,7 @@ TEST_F(InputTest, SniffersUnregisteredDuringTheWalkAreAskedAfterWindowsOnly) {
     EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 0, nullptr), 1);
     EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 2, nullptr), 1);
     EXPECT_EQ(TVPMKeyPressHook('k', 0, TVPM_VK_K, 2, nullptr), 1);
-    EXPECT_EQ(g_events, (Log{"k1:killer", "k0:killer", "victim:sniff107,0,75", "k0:killer"}));
+    EXPECT_EQ(g_log, (Log{"k1:killer", "k0:killer", "victim:sniff107,0,75", "k0:killer"}));
     rig.As("alpha.tvp", [] {
         EXPECT_EQ(TVPMUnregisterKeySniffer(UnregisterVictim, 1, (void*)kKillers[0]), 0);
         EXPECT_EQ(TVPMUnregisterKeySniffer(UnregisterVictim, 1, (void*)kKillers[1]), 1);
@@ -285,5 +283,5 @@ TEST_F(InputTest, NewestMatchingHotKeyFiresAndAnyPluginMayListAndRebindIt) {
     });
     EXPECT_EQ(PressKey(0, tvpm_ControlFlag, TVPM_VK_F5), 3);
     EXPECT_EQ(PressKey(0, tvpm_OptionAltFlag, TVPM_VK_F2), 0);
-    EXPECT_EQ(g_events, (Log{"beta:hotkey", "alpha:hotkey", "f7:self", "again:hotkey", "alpha:hotkey"}));
+    EXPECT_EQ(g_log, (Log{"beta:hotkey", "alpha:hotkey", "f7:self", "again:hotkey", "alpha:hotkey"}));
 }
