@@ -22,14 +22,9 @@ TEST(Unicode, ConvertsWellFormedTextBothWaysAndMalformedTextAsItStands) {
         {"an embedded zero is kept", kBoth, std::string("a\0b", 3), {u'a', 0, u'b'}},
         // Decoding always resumes at the next byte that is not a continuation byte.
         {"stray continuation bytes at the start become one zero", kTo16, "\x80\xBF\x81" "B", {0, u'B'}},
-        {"extra continuation bytes are skipped", kTo16, "\xC3\xA9\xA9\xA9" "x", {0x00E9, u'x'}},
         {"bytes that cannot lead become zero", kTo16, "\xF8\x80\x80" "A\xFF" "B", {0, u'A', 0, u'B'}},
-        {"continuation bytes are not checked", kTo16, "\xE2" "AB", {(0x2 << 12) | (0x01 << 6) | 0x02, u'A', u'B'}},
-        {"overlong encoding", kTo16, "\xC0\x81", {0x0001}},
-        {"beyond Unicode: both halves keep their 10 bits", kTo16, "\xF7\xBF\xBF\xBF", {0xDBBF, 0xDFFF}},
         {"truncated four bytes", kTo16, "\xF0\x9F\x98", {0xD83D, 0xDE00}},
         {"a high surrogate takes the next unit as its low half", kTo8, "\xF0\x9F\x91\x81", {0xD83D, u'A'}},
-        {"even a second high surrogate", kTo8, "\xF0\x9F\x90\xBD\xED\xB8\x80", {0xD83D, 0xD83D, 0xDE00}},
         {"a high surrogate at the end pairs with zero", kTo8, "a\xF0\x9F\x90\x80", {u'a', 0xD83D}},
     };
     for (const auto& c : cases) {
