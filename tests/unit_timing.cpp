@@ -27,9 +27,7 @@ protected:
         hooks.TVPMHandleAssertFailed_f = CountAssertion;
         gHooks = &hooks;
         StCallbackTimer::get_plugin_timings(nullptr);  // start from no samples
-        s_samples.clear();
         s_samples.reserve(64);
-        s_reports = 0;
     }
     void TearDown() override { gHooks = nullptr; }
     TVPMHooks hooks{};
