@@ -22,15 +22,13 @@ void PlanesFree(void*) { Hear("free"); }
 
 class WorldControl : public SimTest {
 protected:
-    TVPMPluginID alpha = -1, beta = -1;
+    const TVPMPluginID alpha = 1, beta = 3;  // the plugin folder's order
 
     void SetUp() override {
         AddScripted({"alpha.tvp", "atc.tvp", "beta.tvp"});
         s_heard.clear();
         host.On<&TVPMHooks::TVPMCountPlanes_f>([] { return 20; });
         ASSERT_EQ(host.Start(sim.Root()), 23);
-        alpha = IdOf("alpha.tvp");
-        beta = IdOf("beta.tvp");
         RunAs("atc.tvp", [] {
             for (const char* n : kAiItems) {
                 TVPMShareData(n, tvpmType_Int, nullptr, nullptr);
@@ -41,36 +39,29 @@ protected:
     int Acquire(const std::string& key, char** models = nullptr) {
         return RunAs<int>(key, [=] { return TVPMAcquirePlanes(models, PlanesFree, nullptr); });
     }
-    static TVPMPluginID Controller() { return TVPMGetTrafficControlPluginInfo(nullptr, nullptr); }
 };
 
 TEST_F(WorldControl, EnabledWaitingPluginsAreCalledBackWhenTheHolderReleasesOrIsDisabled) {
-    char m0[] = "", m1[] = "Aircraft/A/a.acf";
-    char* models[] = {m0, m1, nullptr};
-    EXPECT_EQ(Acquire("alpha.tvp", models), 1);
+    EXPECT_EQ(Acquire("alpha.tvp"), 1);
     EXPECT_EQ(Acquire("alpha.tvp"), 1);  // already held: nothing changes
     EXPECT_EQ(TVPMGetNumberPlanesToHandle(20, 0), 20);
-    char path[512] = "host choice";
-    TVPMUpdatePlaneNameAndPath(1, nullptr, path);
-    EXPECT_STREQ(path, "Aircraft/A/a.acf");
     EXPECT_EQ(Acquire("beta.tvp"), 0);
     EXPECT_EQ(Acquire("beta.tvp"), 0);  // queued twice
     EXPECT_EQ(JournalOf("alpha.tvp:message 111").size(), 2u);
-    char name[256] = "";
-    EXPECT_EQ(TVPMGetTrafficControlPluginInfo(name, nullptr), alpha);
-    EXPECT_STREQ(name, "alpha.tvp");
     RunAs("beta.tvp", [] {  // not the holder: all ignored
         TVPMReleasePlanes();
         TVPMReinitUsersPlane();
         TVPMDrawAircraft(1, 0, 0, 0, 0, 0, 0, 1, nullptr);
     });
-    EXPECT_EQ(Controller(), alpha);
+    char name[256] = "";
+    EXPECT_EQ(TVPMGetTrafficControlPluginInfo(name, nullptr), alpha);
+    EXPECT_STREQ(name, "alpha.tvp");
     EXPECT_EQ(host.Count("TVPMReinitFlight_f") + host.Count("TVPMDrawPlane_f"), 0u);
     RunAs("alpha.tvp", [] { TVPMReleasePlanes(); });
     EXPECT_NE(host.Log().find("The plugin alpha.tvp is releasing control of AI aircraft.\n"), std::string::npos);
     EXPECT_EQ(s_heard, (Lines{"free@" + std::to_string(beta), "free@" + std::to_string(beta)}));
     for (const char* n : kAiItems) EXPECT_EQ(TVPMGetDatai(TVPMFindDataRef(n)), 0) << n;
-    EXPECT_EQ(Controller(), -1);
+    EXPECT_EQ(TVPMGetTrafficControlPluginInfo(nullptr, nullptr), -1);
     EXPECT_EQ(Acquire("beta.tvp"), 1);
     Acquire("atc.tvp");
     Acquire("alpha.tvp");
@@ -84,7 +75,9 @@ TEST_F(WorldControl, TheHoldersLimitAndModelsReachTheSimulator) {
     struct Case {
         int limit, slots, loading, expectedSlots, expectedActive;
     } cases[] = {{3, 20, 0, 3, 3}, {3, 20, 1, 20, 3}, {30, 20, 0, 20, 20}, {-1, 20, 0, 20, 20}};
-    Acquire("alpha.tvp");
+    char m0[] = "", m1[] = "Aircraft/A/a.acf";
+    char* models[] = {m0, m1, nullptr};
+    Acquire("alpha.tvp", models);
     for (const Case& c : cases) {
         RunAs("alpha.tvp", [&] { TVPMSetActiveAircraftCount(c.limit); });
         EXPECT_EQ(TVPMGetNumberPlanesToHandle(c.slots, c.loading), c.expectedSlots) << c.limit;
@@ -104,10 +97,12 @@ TEST_F(WorldControl, TheHoldersLimitAndModelsReachTheSimulator) {
     EXPECT_EQ(host.Count("TVPMLoadPlane_f"), 1u);
     EXPECT_EQ(host.CallsTo("TVPMReinitFlight_f").at(0).args, (Lines{"208", "201"}));
     EXPECT_EQ(host.CallsTo("TVPMDrawPlane_f").at(0).args[6], "6");
-    char path[512] = "untouched";
+    char path[512] = "untouched", chosen[512] = "host choice";
     TVPMUpdatePlaneNameAndPath(0, nullptr, path);  // the user's slot is never replaced
     TVPMUpdatePlaneNameAndPath(2, nullptr, path);  // nothing chosen
+    TVPMUpdatePlaneNameAndPath(1, nullptr, chosen);
     EXPECT_STREQ(path, "untouched");
+    EXPECT_STREQ(chosen, "Aircraft/A/a.acf");
 }
 
 // What the camera controller does with a frame.
@@ -131,7 +126,7 @@ TEST_F(WorldControl, TheCameraControllerIsCalledEachFrameAndToldOnceWhenItLosesC
         Lines heard;
         bool controlledAfter;  // then the frame is the controller's; else the simulator's own
     } cases[] = {
-        {"view change keeps forever", tvpm_ControlCameraForever, kKeep, kViewChange, {"frame@1", "null losing@1"}, true},
+        {"kept on view change", tvpm_ControlCameraForever, kKeep, kViewChange, {"frame@1", "null losing@1"}, true},
         {"given up", tvpm_ControlCameraForever, kGiveUp, kNothing, {"frame@1"}, false},
         {"view change ends until-change", tvpm_ControlCameraUntilViewChanges, kKeep, kViewChange, {"null losing@1"},
          false},

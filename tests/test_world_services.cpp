@@ -1,4 +1,4 @@
-// test_world_services.cpp: the services the simulator answers itself reached with their arguments or refused with their text, weather's bulk-update lock and what enable, disable and unload do to it, and map layers and map-creation callbacks in their owner's context.
+// test_world_services.cpp: world services forwarded or refused with their text, weather's bulk-update lock and lifecycle, and map layers and map-creation callbacks.
 #include <cmath>
 #include <functional>
 
@@ -99,16 +99,13 @@ TEST_F(WorldServices, CallsReachTheSlotOfTheirNameWithTheirArgumentsOrGetTheirEr
         {[] { TVPMFindNavAid(nullptr, "KSEA", nullptr, nullptr, nullptr, 1); }, "TVPMFindNavAid_f",
          "null,\"KSEA\",null,null,null,1", nullptr},
         {[] { TVPMBindTexture2d(12, 1); }, "TVPMBindTexture2d_f", "12,1", nullptr},
-        {[] { TVPMMapProject(nullptr, 47.5, 8.5, nullptr, nullptr); }, "TVPMMapProject_f", "null,47.5,8.5,null,null",
-         nullptr},
+        {[] { TVPMMapProject(nullptr, 1, 2, nullptr, nullptr); }, "TVPMMapProject_f", "null,1,2,null,null", nullptr},
         {[] { TVPMMapScaleMeter(nullptr, 3, 4); }, "TVPMMapScaleMeter_f", "null,3,4", nullptr},
         {[] { TVPMGetMagneticVariation(47.5, 8.5); }, "TVPMGetMagneticVariation_f", "47.5,8.5", nullptr},
         {[] { TVPMPlaceUserAtAirport("KSEA"); }, "TVPMLoadAirport_f", "\"KSEA\"", nullptr},
-        {[] { TVPMPlaceUserAtLocation(47.5, -122.3, 1000, 90, 100); }, "TVPMInitAtLocation_f",
-         "47.5,-122.3,1000,90,100", nullptr},
+        {[] { TVPMPlaceUserAtLocation(47.5, -122.3, 3, 4, 5); }, "TVPMInitAtLocation_f", "47.5,-122.3,3,4,5", nullptr},
         // The file name is what follows the last '/', or the path less its first character.
-        {[] { TVPMSetUsersAircraft("Aircraft/Jet/jet.acf"); }, "TVPMLoadPlane_f",
-         "0,\"Aircraft/Jet/jet.acf\",\"jet.acf\"", nullptr},
+        {[] { TVPMSetUsersAircraft("Jet/jet.acf"); }, "TVPMLoadPlane_f", "0,\"Jet/jet.acf\",\"jet.acf\"", nullptr},
         {[] { TVPMSetUsersAircraft("plane.acf"); }, "TVPMLoadPlane_f", "0,\"plane.acf\",\"lane.acf\"", nullptr},
         {[] { TVPMLookupObjects("KSEA", 1.5f, 2.5f, nullptr, nullptr); }, "TVPMLookupObjects_f",
          "\"KSEA\",1.5,2.5,null,null", nullptr},
@@ -167,8 +164,7 @@ TEST_F(WorldServices, EnableAndDisableRefreshWeatherWritersAndUnloadDropsTheirWe
     const std::string a = std::to_string(IdOf("alpha.tvp")), b = std::to_string(IdOf("beta.tvp"));
     RunAs("alpha.tvp", [] { TVPMSetWeatherAtAirport("LSZH", &info); });
     RunAs("beta.tvp", [] { TVPMEraseWeatherAtAirport("LSZH"); });  // erasing is not using
-    TVPMDisablePlugin(IdOf("alpha.tvp"));
-    TVPMDisablePlugin(IdOf("beta.tvp"));
+    for (const char* key : {"alpha.tvp", "beta.tvp"}) TVPMDisablePlugin(IdOf(key));
     TVPMEnablePlugin(IdOf("alpha.tvp"));
     TVPMReloadPlugins();  // disables and unloads every plugin, then loads them again
     host.RunFrame();
@@ -214,8 +210,8 @@ TEST_F(WorldServices, MapLayersNeedTheExactSizeAndAnAcceptingMapAndGetTheirHooks
     TVPMDrawMapLabel(&s_calls, "not a layer", 0, 0, tvpm_MapOrientation_UI, 0);
     TVPMDrawMapIconFromSheet(b, "icons.png", 0, 0, 1, 1, 0, 0, 0, 0, 1);  // destroyed, still a layer
     EXPECT_EQ(s_calls, (std::vector<std::string>{"draw alpha.tvp quitter"}));
-    EXPECT_EQ(host.Count("TVPMDrawMapLabel_f"), 1u);
-    EXPECT_EQ(host.Count("TVPMDrawMapIconFromSheet_f"), 1u);
+    EXPECT_EQ(host.SlotSequence({"TVPMDrawMapLabel_f", "TVPMDrawMapIconFromSheet_f"}),
+              (Lines{"TVPMDrawMapLabel_f", "TVPMDrawMapIconFromSheet_f"}));
 }
 
 TEST_F(WorldServices, MapCreationCallbacksRunNewestFirstForTheTwoMapsOnlyAndNothingRunsAfterUnload) {
