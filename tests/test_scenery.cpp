@@ -81,6 +81,8 @@ TEST_F(Scenery, ProbesReuseFreedSlotsAndRefuseWhatTheyCannotProbe) {
         EXPECT_EQ(info.is_wet, c.expected != tvpm_ProbeError ? answer : 0);
     }
     EXPECT_EQ(nextProbe, 1);  // each case reused the slot the one before freed
+    for (int i = 0; i < 2; ++i) RunAs("alpha.tvp", [] { TVPMCreateProbe(tvpm_ProbeY); });
+    EXPECT_EQ(nextProbe, 2);  // a freed slot goes to one live probe only
 }
 
 TEST_F(Scenery, ObjectsBelongToThePluginThatLoadedThem) {
