@@ -37,6 +37,8 @@ const BrokenCase kCorpus[] = {
                                    "\\+0x[0-9a-f]+ [\\s\\S]*CrashingMenu"}},
     {"crash_mouse_handler", "", 3, {"crash   fuzz.*mouse click, drag and scroll"}},
     {"crash_key_sniffer", "", 3, {"crash   fuzz.*key .* down and up"}},
+    {"crash_command_handler", "", 3, {"crash   fuzz.*command 'test/crash' begin, hold and end"}},
+    {"crash_data_accessor", "", 3, {"crash   fuzz.*read and write of data item 'test/crash/item'"}},
     {"crash_message", "", 3, {"crash   fuzz.*message \\d+\\] Segmentation fault during TPluginReceiveMessage"}},
     {"crash_fuzz_enable", "--seed 7", 3, {"crash   fuzz.*\\[fuzz round \\d+: disable, a frame, enable\\] Segmentation "
                                           "fault during TPluginDisable and TPluginEnable \\(replay with --seed 7\\)"}},

@@ -52,6 +52,8 @@ int CrashingSniff(char, TVPMKeyFlags, char, void*) { return Crash(), 1; }
 void CrashingMenu(void*, void*) { Crash(); }
 void DrawWindow(TVPMWindowID, void*) {}
 int CrashingClick(TVPMWindowID, int, int, TVPMMouseStatus, void*) { return Crash(), 1; }
+int CrashingHandler(TVPMCommandRef, TVPMCommandPhase, void*) { return Crash(), 1; }
+int CrashingRead(void*) { return Crash(), 0; }
 void DrawScreen(void*) {}
 void DrawLayer(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID, void*) {}
 int KeepCamera(TVPMCameraPosition_t*, int, void*) { return 1; }
@@ -160,6 +162,12 @@ const Case kCases[] = {
      }},
     {"crash_mouse_handler", [] { Window(CrashingClick); }},
     {"crash_key_sniffer", [] { TVPMRegisterKeySniffer(CrashingSniff, 1, nullptr); }},
+    {"crash_command_handler", [] { TVPMRegisterCommandHandler(TVPMCreateCommand("test/crash", "Crash"), CrashingHandler, 1, nullptr); }},
+    {"crash_data_accessor", [] {
+         TVPMRegisterDataAccessor("test/crash/item", tvpmType_Int, 0, CrashingRead, nullptr, nullptr, nullptr,
+                                  nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                  nullptr);
+     }},
     {"api_errors", [] { TVPMEnableFeature("TVPM_NO_SUCH_FEATURE", 1); }},
     {"misspelt_data", [] { s_sink = TVPMFindDataRef("sim/flightmodel/position/elevatoin") != nullptr; }},
     {"deprecated_data", [] { s_sink = TVPMFindDataRef("sim/graphics/view/legacy_frame_rate") != nullptr; }},
