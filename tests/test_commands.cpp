@@ -88,35 +88,6 @@ TEST(Commands, FindOnlyFindsAndCreatingWarnsOnlyForTheExactSimPrefix) {
     }
 }
 
-TEST(Commands, BeforeHandlersRunNewestFirstAfterHandlersInOrderAndZeroConsumes) {
-    TwoPlugins t;
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1) << "no handlers";
-    t.Register("alpha.tvp", Note, 1, kA);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1) << "only a before-handler exists";
-    t.Register("beta.tvp", Note, 1, kB);
-    t.Register("alpha.tvp", Note, 0, kA);
-    t.Register("beta.tvp", Note, 0, kB);
-    s_seen.clear();
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
-    EXPECT_EQ(TVPMGetMyID(), 0) << "the host's context is restored";
-    EXPECT_EQ(TVPMCommandHook(kOther, 1, 0, 1), 1);
-    // Held, up, and up winning over down.
-    TVPMCommandHook(kCmd, 0, 0, 0);
-    TVPMCommandHook(kCmd, 0, 1, 0);
-    TVPMCommandHook(kCmd, 1, 1, 0);
-    EXPECT_EQ(s_seen, (Lines{"B0@beta.tvp", "A0@alpha.tvp", "A0@alpha.tvp", "B0@beta.tvp",
-                             "A1@alpha.tvp", "B1@beta.tvp", "A2@alpha.tvp", "B2@beta.tvp",
-                             "A2@alpha.tvp", "B2@beta.tvp"}));
-
-    t.Register("beta.tvp", NoteAndStop, 1, kC);  // newest: runs first
-    t.Register("alpha.tvp", NoteAndStop, 0, kC);
-    s_seen.clear();
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 0);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 0);
-    EXPECT_EQ(s_seen, (Lines{"C0@beta.tvp", "A0@alpha.tvp", "B0@beta.tvp", "C0@alpha.tvp"}));
-}
-
 namespace {
 int UnregisterSelf(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
     Note(cmd, phase, refcon);
@@ -125,28 +96,41 @@ int UnregisterSelf(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 }
 }  // namespace
 
-TEST(Commands, UnregisterRemovesOneOwnMatchingRegistrationEvenWhileRunning) {
+TEST(Commands, BeforeHandlersRunNewestFirstAfterHandlersInOrderAndZeroConsumes) {
     TwoPlugins t;
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1) << "no handlers";
+    t.Register("alpha.tvp", Note, 1, kA);
+    t.Register("beta.tvp", Note, 1, kB);
     t.Register("alpha.tvp", Note, 0, kA);
-    t.Register("alpha.tvp", Note, 0, kA);  // no duplicate check: runs twice
+    t.Register("alpha.tvp", Note, 0, kA);  // no duplicate check
+    t.Register("beta.tvp", UnregisterSelf, 0, kB);
     t.Register("alpha.tvp", Note, 0, kC);
-    // Someone else's, a wrong table and a wrong refcon remove nothing.
+    // Someone else's, a wrong table and a wrong refcon remove nothing; a match removes one.
     RunAs("beta.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
     RunAs("alpha.tvp", [] {
-        TVPMUnregisterCommandHandler(kCmd, Note, 1, kA);
+        TVPMUnregisterCommandHandler(kCmd, Note, 1, kC);
         TVPMUnregisterCommandHandler(kCmd, Note, 0, kB);
+        TVPMUnregisterCommandHandler(kCmd, Note, 0, kA);
     });
-    TVPMCommandHook(kCmd, 1, 0, 0);
-    EXPECT_EQ(s_seen.size(), 3u);
-
-    RunAs("alpha.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
-    t.Register("beta.tvp", UnregisterSelf, 0, kB);
-    t.Register("alpha.tvp", Note, 0, kA);
     s_seen.clear();
-    TVPMCommandHook(kCmd, 1, 0, 0);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
+    EXPECT_EQ(TVPMGetMyID(), 0) << "the host's context is restored";
+    EXPECT_EQ(TVPMCommandHook(kOther, 1, 0, 1), 1);
+    // Held, up, and up winning over down; beta's handler removed itself while running.
+    TVPMCommandHook(kCmd, 0, 0, 0);
     TVPMCommandHook(kCmd, 0, 1, 0);
-    EXPECT_EQ(s_seen, (Lines{"A0@alpha.tvp", "C0@alpha.tvp", "B0@beta.tvp", "A0@alpha.tvp",
-                             "A2@alpha.tvp", "C2@alpha.tvp", "A2@alpha.tvp"}));
+    TVPMCommandHook(kCmd, 1, 1, 0);
+    EXPECT_EQ(s_seen, (Lines{"B0@beta.tvp", "A0@alpha.tvp", "A0@alpha.tvp", "B0@beta.tvp", "C0@alpha.tvp",
+                             "A1@alpha.tvp", "C1@alpha.tvp", "A2@alpha.tvp", "C2@alpha.tvp", "A2@alpha.tvp",
+                             "C2@alpha.tvp"}));
+
+    t.Register("beta.tvp", NoteAndStop, 1, kC);  // newest: runs first
+    t.Register("alpha.tvp", NoteAndStop, 0, kB);
+    s_seen.clear();
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 0);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 0);
+    EXPECT_EQ(s_seen, (Lines{"C0@beta.tvp", "A0@alpha.tvp", "C0@alpha.tvp", "B0@alpha.tvp"}));
 }
 
 TEST(Commands, HeldCommandsRepeatPauseWhileDisabledAndAreReleasedAtUnload) {

@@ -10,15 +10,11 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-struct Received {
-    void* param;
-    size_t hostCallsBefore;  // the simulator's record (ID 0) comes first
-    TVPMPluginID current;
-};
-std::vector<Received> s_received;
-
+// What alpha received, as "<parameter> <messages the simulator had by then> <current plugin>".
+Lines s_received;
 void Record(TVPMPluginID, int, void* param) {
-    s_received.push_back({param, FakeHost::Current().Count("TorvaneReceiveMessage_f"), TVPMGetMyID()});
+    const size_t toHost = FakeHost::Current().Count("TorvaneReceiveMessage_f");
+    s_received.push_back(FormatArg(param) + " " + std::to_string(toHost) + " " + std::to_string(TVPMGetMyID()));
 }
 
 }  // namespace
@@ -45,15 +41,10 @@ TEST_F(Events, EachBroadcastCarriesItsMessageAndParameterFromTheSimulatorToEnabl
         s_received.clear();
         Journal().clear();
         EXPECT_EQ(TVPMEventHook(b.kind, 0.5f, 3.0f, 7, 9), 1);
-        void* param = b.carriesParameter ? reinterpret_cast<void*>(7) : nullptr;
-        EXPECT_EQ(Journal(), (Lines{"alpha.tvp:message " + std::to_string(b.message) + " from 0"}));
-        ASSERT_EQ(s_received.size(), 1u);
-        EXPECT_EQ(s_received[0].param, param);
-        EXPECT_EQ(s_received[0].hostCallsBefore, 1u);
-        EXPECT_EQ(s_received[0].current, 1);
-        const auto toHost = host.CallsTo("TorvaneReceiveMessage_f");
-        ASSERT_EQ(toHost.size(), 1u);
-        EXPECT_EQ(toHost[0].args, (Lines{"0", std::to_string(b.message), param ? "0x7" : "null"}));
+        const std::string param = b.carriesParameter ? "0x7" : "null", message = std::to_string(b.message);
+        EXPECT_EQ(Journal(), (Lines{"alpha.tvp:message " + message + " from 0"}));
+        EXPECT_EQ(s_received, Lines{param + " 1 1"}) << "the simulator's record (ID 0) comes first";
+        EXPECT_EQ(host.CallsTo("TorvaneReceiveMessage_f").at(0).args, (Lines{"0", message, param}));
         EXPECT_EQ(TVPMGetMyID(), 0);
     }
 }
@@ -65,11 +56,18 @@ TEST_F(Events, QuietUnknownEarlyAndLateEventsReturnOneAndSendNothing) {
         return 1;
     };
     const std::string aircraft = sim.AddAircraft("Jet", {"fms"}, BuiltPlugin("scripted.tvp"));
-    host.userAircraftPath = aircraft;
-    for (int kind = 0; kind <= 20; ++kind) EXPECT_EQ(TVPMEventHook(static_cast<TVPMEventKind>(kind), 0, 0, 0, 0), 1);
-    TVPMReloadACFPlugins();
-    EXPECT_TRUE(Journal().empty()) << "before start-up";
-    host.userAircraftPath.clear();
+    auto nothingHappens = [&](const char* when) {
+        SCOPED_TRACE(when);
+        host.userAircraftPath = aircraft;
+        host.ClearCalls();
+        Journal().clear();
+        for (int kind = 0; kind <= 20; ++kind) EXPECT_EQ(TVPMEventHook(static_cast<TVPMEventKind>(kind), 0, 0, 0, 0), 1);
+        TVPMReloadACFPlugins();
+        EXPECT_TRUE(Journal().empty());
+        EXPECT_TRUE(host.Calls().empty());
+        host.userAircraftPath.clear();
+    };
+    nothingHappens("before start-up");
 
     ASSERT_EQ(host.Start(sim.Root()), 23);
     host.ClearCalls();
@@ -84,13 +82,6 @@ TEST_F(Events, QuietUnknownEarlyAndLateEventsReturnOneAndSendNothing) {
     EXPECT_EQ(TVPMCountPlugins(), 2);
 
     host.Shutdown();
-    host.userAircraftPath = aircraft;
-    host.ClearCalls();
-    Journal().clear();
-    EXPECT_EQ(TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0), 1);
-    EXPECT_EQ(TVPMEventHook(tvpm_AirportLoaded, 0, 0, 0, 0), 1);
-    TVPMReloadACFPlugins();
-    EXPECT_TRUE(Journal().empty()) << "after shut-down";
-    EXPECT_TRUE(host.Calls().empty());
+    nothingHappens("after shut-down");
     EXPECT_EQ(TVPMCountPlugins(), 0);
 }
