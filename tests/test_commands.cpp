@@ -35,12 +35,6 @@ int NoteAndStop(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 char kA[] = "A", kB[] = "B", kC[] = "C";
 
 struct TwoPlugins : AlphaBeta {
-    TwoPlugins() {
-        host.On<&TVPMHooks::TVPMFindCreateCommand_f>(
-            [](const char* name, const char*, int create) -> void* {
-                return std::string(name) == "known/cmd" || create ? kCmd : nullptr;
-            });
-    }
     void Register(const std::string& key, TVPMCommandCallback_f cb, int before, char* refcon) {
         RunAs(key, [=] { TVPMRegisterCommandHandler(kCmd, cb, before, refcon); });
     }
@@ -62,6 +56,9 @@ struct TwoPlugins : AlphaBeta {
 
 TEST(Commands, FindOnlyFindsAndCreatingWarnsOnlyForTheExactSimPrefix) {
     TwoPlugins t;
+    t.host.On<&TVPMHooks::TVPMFindCreateCommand_f>([](const char* name, const char*, int create) -> void* {
+        return std::string(name) == "known/cmd" || create ? kCmd : nullptr;
+    });
     EXPECT_EQ(TVPMFindCommand("known/cmd"), kCmd);
     EXPECT_EQ(TVPMFindCommand("missing/cmd"), nullptr);
     EXPECT_EQ(TVPMFindCommand(nullptr), nullptr);
