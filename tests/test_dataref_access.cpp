@@ -56,6 +56,9 @@ std::vector<double> ReadAndWriteEverything(TVPMDataRef ref) {
     TVPMSetDatab(ref, bytes, -1, 1 << 30);
     return results;
 }
+const Texts kReads = {"readInt 7", "readFloat", "readDouble", "readIntArray buf 1 4", "readFloatArray null -3 0",
+                      "readData buf 3 4"};
+const std::vector<double> kNothing(6, 0);
 
 struct TypedAccess : TwoPlugins {
     TVPMDataRef all = nullptr;
@@ -75,53 +78,43 @@ TEST_F(TypedAccess, EachCallReachesItsOwnAccessorInTheOwnersContext) {
     std::vector<double> results;
     RunAs("beta.tvp", [&] { results = ReadAndWriteEverything(all); });
     EXPECT_EQ(results, (std::vector<double>{41, 1.5, 2.25, 3, 4, 5}));
-    EXPECT_EQ(s_calls, (Texts{"readInt 7", "readFloat", "readDouble", "readIntArray buf 1 4",
-                              "readFloatArray null -3 0", "readData buf 3 4", "writeInt 9",
-                              "writeFloat 0.500000", "writeDouble 0.250000", "writeIntArray buf 1 2",
-                              "writeFloatArray null 2 3", "writeData buf -1 1073741824"}));
+    Texts expected = kReads;
+    expected.insert(expected.end(), {"writeInt 9", "writeFloat 0.500000", "writeDouble 0.250000",
+                                     "writeIntArray buf 1 2", "writeFloatArray null 2 3",
+                                     "writeData buf -1 1073741824"});
+    EXPECT_EQ(s_calls, expected);
     EXPECT_EQ(s_callers, std::vector<TVPMPluginID>(12, alpha));
-    RunAs("beta.tvp", [&] { EXPECT_EQ(TVPMGetMyID(), beta); });
 }
 
-TEST_F(TypedAccess, SilentZeroForNullHandlesMissingAccessorsReadOnlyItemsAndOwnersThatCannotRun) {
-    TVPMDataRef readOnly = nullptr, intOnly = nullptr;
+TEST_F(TypedAccess, SilentZeroForNullHandlesMissingAccessorsReadOnlyItemsThrowsAndOwnersThatCannotRun) {
+    TVPMDataRef readOnly = nullptr, intOnly = nullptr, throwing = nullptr;
     RunAs("alpha.tvp", [&] {
         readOnly = RegisterAll("test/read_only", 0);
-        intOnly = TVPMRegisterDataAccessor("test/int_only", tvpmType_Int, 1, GetI, SetI, nullptr,
-                                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                           nullptr, nullptr, nullptr, &s_refTag, &s_refTag);
+        intOnly = RegisterIntItem("test/int_only", tvpmType_Int, GetI, SetI, &s_refTag);
+        throwing = RegisterIntItem("test/throws", tvpmType_Int, Throwing, SetI, nullptr);
     });
     RunAs("beta.tvp", [&] {
-        EXPECT_EQ(ReadAndWriteEverything(nullptr), std::vector<double>(6, 0));
+        EXPECT_EQ(ReadAndWriteEverything(nullptr), kNothing);
         EXPECT_TRUE(s_calls.empty());
         ReadAndWriteEverything(readOnly);
-        EXPECT_EQ(s_calls.size(), 6u) << "only the reads ran";
+        EXPECT_EQ(s_calls, kReads) << "only the reads ran";
         s_calls.clear();
         EXPECT_EQ(ReadAndWriteEverything(intOnly), (std::vector<double>{41, 0, 0, 0, 0, 0}));
         EXPECT_EQ(s_calls, (Texts{"readInt 7", "writeInt 9"}));
+        s_calls.clear();
+        EXPECT_EQ(ReadAndWriteEverything(throwing), kNothing);
+        EXPECT_EQ(s_calls, Texts{"writeInt 9"});
+        EXPECT_EQ(TVPMGetMyID(), beta) << "the caller is current again";
     });
     EXPECT_TRUE(ErrorsOf(beta).empty()) << "no messages on this path";
 
     s_calls.clear();
     TVPMDisablePlugin(alpha);
-    EXPECT_EQ(ReadAndWriteEverything(all), std::vector<double>(6, 0));
+    EXPECT_EQ(ReadAndWriteEverything(all), kNothing);
     EXPECT_TRUE(s_calls.empty());
-    EXPECT_EQ(TVPMGetMyID(), 0) << "the caller is current again";
+    EXPECT_EQ(TVPMGetMyID(), 0);
     TVPMEnablePlugin(alpha);
     EXPECT_EQ(TVPMGetDatavf(all, nullptr, 0, 0), 4);
-
-    TVPMDataRef throwing = RunAs<TVPMDataRef>("alpha.tvp", [] {
-        return TVPMRegisterDataAccessor("test/throws", tvpmType_Int, 0, Throwing, nullptr, nullptr,
-                                        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                        nullptr, nullptr, nullptr, nullptr);
-    });
-    EXPECT_EQ(TVPMGetDatai(throwing), 0);
-    EXPECT_EQ(TVPMGetMyID(), 0);
-    host.Shutdown();
-    s_calls.clear();
-    EXPECT_EQ(TVPMGetDatai(all), 0);
-    EXPECT_EQ(TVPMGetDatavi(all, nullptr, 0, 0), 0);
-    EXPECT_TRUE(s_calls.empty());
 }
 
 // ---- Shared data ---------------------------------------------------------------
@@ -163,10 +156,7 @@ TEST_F(SharedData, PluginsShareAValueAndAreToldOfEveryWriteInOrder) {
     EXPECT_EQ(TVPMGetDatai(x), 42);
     EXPECT_EQ(TVPMGetDataf(x), 0.0f) << "no conversion";
     EXPECT_EQ(TVPMCanWriteDataRef(x), 1);
-    TVPMDataRefInfo_t info{};
-    info.structSize = 32;
-    TVPMGetDataRefInfo(x, &info);
-    EXPECT_EQ(info.owner, 0) << "the library owns shared items";
+    EXPECT_EQ(InfoOf(x).owner, 0) << "the library owns shared items";
 
     s_notified.clear();
     TVPMDisablePlugin(alpha);
@@ -191,18 +181,16 @@ TEST_F(SharedData, ArraysGrowToTheHighestItemWritten) {
     Share("alpha.tvp", "shared/ints", tvpmType_IntArray, nullptr, nullptr);
     TVPMDataRef ints = TVPMFindDataRef("shared/ints");
     EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 1);
-    int three[3] = {7, 8, 9};
+    int three[3] = {7, 8, 9}, back[8] = {};
     TVPMSetDatavi(ints, three, 2, 3);
-    EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 5);
-    int back[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
-    EXPECT_EQ(TVPMGetDatavi(ints, back, 1, 8), 4);
-    EXPECT_EQ(std::vector<int>(back + 1, back + 4), (std::vector<int>{7, 8, 9}));
-    EXPECT_EQ(TVPMGetDatavi(ints, back, 2, 2), 2);
-    EXPECT_EQ(TVPMGetDatavi(ints, back, 9, 2), 0) << "past the end";
-    EXPECT_EQ(TVPMGetDatavi(ints, back, -1, 2), 0);
     TVPMSetDatavi(ints, three, -1, 3);
     TVPMSetDatavi(ints, three, 1, 1);
     EXPECT_EQ(TVPMGetDatavi(ints, nullptr, 0, 0), 5) << "never shrinks";
+    EXPECT_EQ(TVPMGetDatavi(ints, back, 1, 8), 4);
+    EXPECT_EQ(std::vector<int>(back, back + 4), (std::vector<int>{7, 7, 8, 9}));
+    EXPECT_EQ(TVPMGetDatavi(ints, back, 2, 2), 2);
+    EXPECT_EQ(TVPMGetDatavi(ints, back, 9, 2), 0) << "past the end";
+    EXPECT_EQ(TVPMGetDatavi(ints, back, -1, 2), 0);
 
     Share("alpha.tvp", "shared/bytes", tvpmType_Data, nullptr, nullptr);
     TVPMDataRef bytes = TVPMFindDataRef("shared/bytes");
@@ -211,21 +199,10 @@ TEST_F(SharedData, ArraysGrowToTheHighestItemWritten) {
     EXPECT_EQ(TVPMGetDatab(bytes, out, 0, 16), 6);
     EXPECT_STREQ(out, "hello");
 
-    Share("alpha.tvp", "shared/d", tvpmType_Double, nullptr, nullptr);
-    TVPMDataRef d = TVPMFindDataRef("shared/d");
-    TVPMSetDatad(d, 3.125);
-    EXPECT_EQ(TVPMGetDatad(d), 3.125);
-
-    static int storage = 3;  // sharing a plugin's item name succeeds and leaves the item alone
-    RunAs("alpha.tvp", [] {
-        TVPMRegisterDataAccessor("test/owned", tvpmType_Int, 1, GetI, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                 nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &storage, nullptr);
-    });
+    // Sharing a plugin's item name succeeds and leaves the item alone.
+    RunAs("alpha.tvp", [] { RegisterIntItem("test/owned", tvpmType_Int, GetI, nullptr, &s_refTag); });
     RunAs("beta.tvp", [] { EXPECT_EQ(TVPMShareData("test/owned", tvpmType_Int, nullptr, nullptr), 1); });
-    TVPMDataRefInfo_t info{};
-    info.structSize = 32;
-    TVPMGetDataRefInfo(TVPMFindDataRef("test/owned"), &info);
-    EXPECT_EQ(info.owner, alpha);
+    EXPECT_EQ(InfoOf(TVPMFindDataRef("test/owned")).owner, alpha);
 }
 
 TEST_F(SharedData, DepartingSubscribersAreForgottenAndTheValueOutlivesEveryone) {

@@ -1,11 +1,18 @@
 // test_datarefs.cpp: the data-item registry: lookup, ownership, revival, deprecation warnings, enumeration, info, the build string and new-item notices.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 #include <thread>
 
 #include "TVPM/TVPMDataAccess.h"
 #include "data_test_util.h"
+
+// Plugins built against this layout must keep working.
+static_assert(sizeof(TVPMDataRefInfo_t) == TVPM_DATAREF_INFO_SIZE && TVPM_DATAREF_INFO_SIZE == 32 &&
+                  offsetof(TVPMDataRefInfo_t, name) == 8 && offsetof(TVPMDataRefInfo_t, type) == 16 &&
+                  offsetof(TVPMDataRefInfo_t, writable) == 20 && offsetof(TVPMDataRefInfo_t, owner) == 24,
+              "TVPMDataRefInfo_t");
 
 using namespace datatest;
 using Texts = std::vector<std::string>;
@@ -15,9 +22,7 @@ namespace {
 int ReadInt(void* ref) { return *static_cast<int*>(ref); }
 
 TVPMDataRef RegisterInt(const std::string& name, int* storage, TVPMDataTypeID type = tvpmType_Int) {
-    return TVPMRegisterDataAccessor(name.c_str(), type, 1, ReadInt, nullptr, nullptr, nullptr,
-                                    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                    nullptr, storage, storage);
+    return RegisterIntItem(name, type, ReadInt, nullptr, storage);
 }
 TVPMDataRef RegisterIntAs(const char* key, const std::string& name, int* storage) {
     return RunAs<TVPMDataRef>(key, [&] { return RegisterInt(name, storage); });
@@ -41,21 +46,19 @@ TEST_F(DataRefs, OwnershipRefusalsAndRevivalByName) {
     EXPECT_EQ(TVPMFindDataRef(nullptr), nullptr);
     TVPMDataRef item = RegisterIntAs("alpha.tvp", "test/value", &s_alpha);
     ASSERT_NE(item, nullptr);
-    EXPECT_EQ(TVPMFindDataRef("test/value"), item);
     RunAs("beta.tvp", [] { TVPMSetErrorCallback(RecordAndLookUp); });
     EXPECT_EQ(RegisterIntAs("beta.tvp", "test/value", &s_beta), item) << "the owner's handle";
     EXPECT_EQ(s_seenFromErrorCallback, item);
     EXPECT_EQ(TVPMGetDatai(item), 11) << "the first owner's accessors are kept";
 
     int local = 0;
+    void* const notItems[] = {nullptr, static_cast<char*>(item) + 8, &local};
     RunAs("beta.tvp", [&] {
-        for (void* bad : {static_cast<void*>(nullptr), static_cast<void*>(static_cast<char*>(item) + 8),
-                          static_cast<void*>(&local), item})
-            TVPMUnregisterDataAccessor(bad);
+        for (void* bad : notItems) TVPMUnregisterDataAccessor(bad);
+        TVPMUnregisterDataAccessor(item);
     });
+    for (void* bad : notItems) EXPECT_EQ(TVPMIsDataRefGood(bad), 0);
     EXPECT_EQ(TVPMIsDataRefGood(item), 1);
-    EXPECT_EQ(TVPMIsDataRefGood(static_cast<char*>(item) + 8), 0);
-    EXPECT_EQ(TVPMIsDataRefGood(&local), 0);
 
     const std::string notYours = "Dataref is not owned by you - you cannot unregsiter.";
     RunAs("alpha.tvp", [&] {
@@ -63,16 +66,12 @@ TEST_F(DataRefs, OwnershipRefusalsAndRevivalByName) {
         TVPMUnregisterDataAccessor(item);
     });
     EXPECT_EQ(ErrorsOf(alpha), Texts{notYours}) << "a dead item belongs to nobody";
-    EXPECT_EQ(TVPMFindDataRef("test/value"), nullptr);
     EXPECT_EQ(TVPMIsDataRefGood(item), 0);
     EXPECT_EQ(TVPMGetDatai(item), 0);
 
     EXPECT_EQ(RegisterIntAs("beta.tvp", "test/value", &s_beta), item) << "revived";
     EXPECT_EQ(TVPMGetDatai(item), 22);
-    TVPMDataRefInfo_t info{};
-    info.structSize = sizeof info;
-    TVPMGetDataRefInfo(item, &info);
-    EXPECT_EQ(info.owner, beta);
+    EXPECT_EQ(InfoOf(item).owner, beta);
     const std::string illegal = "Dataref is illegal and cannot be unregistered.";
     EXPECT_EQ(ErrorsOf(beta), (Texts{"Dataref is already registered by someone else.", illegal,
                                      illegal, illegal, notYours}));
@@ -89,9 +88,8 @@ void WriteBuild(void*, void* bytes, int offset, int length) {
 
 // The simulator publishes its items before start-up (see also the deprecation tests).
 TEST(DataRefsBeforeStart, TheBuildStringIsWrittenAtStart) {
-    TVPMRegisterDataAccessor("sim/version/tvpm_build_string", tvpmType_Data, 1, nullptr, nullptr,
-                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                             nullptr, WriteBuild, nullptr, nullptr);
+    TVPMRegisterDataAccessor("sim/version/tvpm_build_string", tvpmType_Data, 1, nullptr, nullptr, nullptr, nullptr,
+                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, WriteBuild, nullptr, nullptr);
     FakeHost host;
     SimFolder sim;
     ASSERT_EQ(host.Start(sim.Root()), 23);
@@ -175,14 +173,12 @@ TEST_F(Deprecations, TheItemEditorAndOlderHostTablesGetNoAlert) {
 
 TEST_F(DataRefs, EnumerationCoversDeadItemsAndReportsBadArguments) {
     int storage = 0;
-    std::vector<TVPMDataRef> made;
-    for (int i = 0; i < 250; ++i)  // more than two blocks
-        made.push_back(RegisterInt("sim/many/" + std::to_string(i), &storage));
+    std::vector<TVPMDataRef> made{RegisterInt("sim/a", &storage)};
     Start();
     made.push_back(RegisterIntAs("alpha.tvp", "test/dies", &storage));
     RunAs("alpha.tvp", [&] { TVPMUnregisterDataAccessor(made.back()); });
     const int total = TVPMCountDataRefs();
-    ASSERT_EQ(total, 251);
+    ASSERT_EQ(total, 2);
 
     std::vector<TVPMDataRef> all(static_cast<size_t>(total)), none(2, nullptr);
     RunAs("beta.tvp", [&] {
@@ -191,7 +187,7 @@ TEST_F(DataRefs, EnumerationCoversDeadItemsAndReportsBadArguments) {
         TVPMGetDataRefsByIndex(-1, 1, none.data());
         TVPMGetDataRefsByIndex(total - 1, 2, none.data());
         TVPMGetDataRefsByIndex(0, 1, nullptr);
-        TVPMGetDataRefsByIndex(3, -4, none.data());
+        TVPMGetDataRefsByIndex(1, -4, none.data());
     });
     EXPECT_EQ(all, made);
     EXPECT_EQ(none, std::vector<TVPMDataRef>(2, nullptr));
@@ -204,9 +200,7 @@ TEST_F(DataRefs, EnumerationCoversDeadItemsAndReportsBadArguments) {
 TEST_F(DataRefs, InfoNeedsTheKnownStructSize) {
     Start();
     TVPMDataRef item = RunAs<TVPMDataRef>("alpha.tvp", [] {
-        return TVPMRegisterDataAccessor("test/info", tvpmType_Float | tvpmType_Double, 0, nullptr,
-                                        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+        return RegisterIntItem("test/info", tvpmType_Float | tvpmType_Double, nullptr, nullptr, nullptr);
     });
     TVPMDataRefInfo_t info{};
     RunAs("beta.tvp", [&] {
@@ -220,8 +214,7 @@ TEST_F(DataRefs, InfoNeedsTheKnownStructSize) {
     EXPECT_EQ(ErrorsOf(beta), (Texts{bad, bad, "Argument 'outInfo' is null"}));
     EXPECT_EQ(info.name, nullptr);
 
-    info.structSize = 32;
-    TVPMGetDataRefInfo(item, &info);
+    info = InfoOf(item);
     EXPECT_STREQ(info.name, "test/info");
     EXPECT_EQ(info.type, tvpmType_Float | tvpmType_Double);
     EXPECT_EQ(info.writable, 0);
@@ -229,7 +222,7 @@ TEST_F(DataRefs, InfoNeedsTheKnownStructSize) {
     EXPECT_EQ(TVPMCanWriteDataRef(item), 0);
 
     host.Shutdown();
-    TVPMGetDataRefInfo(item, &info);
+    info = InfoOf(item);
     EXPECT_EQ(info.owner, -1) << "unloading the owner withdraws its items";
     EXPECT_STREQ(info.name, "test/info");
     EXPECT_EQ(TVPMIsDataRefGood(item), 0);

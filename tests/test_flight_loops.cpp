@@ -1,11 +1,18 @@
 // test_flight_loops.cpp: flight loops: due rules in seconds and passes, their arguments, ownership, re-entrancy and disabled owners.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <map>
 #include <sstream>
 
 #include "TVPM/TVPMProcessing.h"
 #include "data_test_util.h"
+
+// Plugins built against this layout must keep working.
+static_assert(sizeof(TVPMCreateFlightLoop_t) == TVPM_CREATE_FLIGHT_LOOP_SIZE && TVPM_CREATE_FLIGHT_LOOP_SIZE == 24 &&
+                  offsetof(TVPMCreateFlightLoop_t, phase) == 4 && offsetof(TVPMCreateFlightLoop_t, callbackFunc) == 8 &&
+                  offsetof(TVPMCreateFlightLoop_t, refcon) == 16,
+              "TVPMCreateFlightLoop_t");
 
 using namespace datatest;
 using Names = std::vector<std::string>;
@@ -79,38 +86,20 @@ TEST_F(FlightLoops, CycleIntervalsCountPassesOfTheirOwnPhase) {
     EXPECT_EQ(TVPMGetCycleNumber(), 8);
 }
 
-TEST_F(FlightLoops, SecondsIntervalsAndTheirArguments) {
+TEST_F(FlightLoops, SecondsIntervalsTheirArgumentsAndReschedulingRelativeToNow) {
     s_now = 10;
     s_next["a"] = 0.5f;
     TVPMFlightLoopID a = CreateAs("alpha.tvp", kA, 1.0f);
     for (float t : {10.75f, 11.0f, 11.25f, 11.5f}) Frame(t);
-    EXPECT_EQ(s_calls, (Names{"a 1 11 3 as 1", "a 0.5 11.5 7 as 1"}));
-
     s_next["a"] = 0;  // stops
-    Frame(12.0f);
-    Frame(20.0f);
-    ASSERT_EQ(s_calls.size(), 3u);
+    for (float t : {12.0f, 20.0f}) Frame(t);
     s_now = 30;
     RunAs("alpha.tvp", [&] { TVPMScheduleFlightLoop(a, 0.5f, 1); });
-    Frame(30.25f);
-    Frame(30.5f);
-    ASSERT_EQ(s_calls.size(), 4u);
-    EXPECT_EQ(s_calls[3], "a 0.5 30.5 15 as 1");
-}
-
-TEST_F(FlightLoops, RescheduleRelativeToNowKeepsTheCycleBase) {
-    CreateAs("alpha.tvp", kA, 0);
-    Frame(1);
-    Frame(2);
-    TVPMFlightLoopID id = RunAs<TVPMFlightLoopID>("alpha.tvp", [] { return Create(kB); });  // at pass 4
-    Frame(3);
-    Frame(4);
-    RunAs("alpha.tvp", [&] { TVPMScheduleFlightLoop(id, -6, 1); });
-    Frame(5);  // pass 9 < 4 + 6
-    EXPECT_TRUE(s_calls.empty());
-    Frame(6);
-    ASSERT_EQ(s_calls.size(), 1u);
-    EXPECT_EQ(s_calls[0], "b 2 6 11 as 1") << "passes counted from its creation";
+    for (float t : {30.25f, 30.5f}) Frame(t);
+    RunAs("alpha.tvp", [&] { TVPMScheduleFlightLoop(a, -6, 1); });  // passes still count from its last run
+    for (float t : {31.0f, 32.0f, 33.0f}) Frame(t);
+    EXPECT_EQ(s_calls, (Names{"a 1 11 3 as 1", "a 0.5 11.5 7 as 1", "a 0.5 12 9 as 1", "a 0.5 30.5 15 as 1",
+                              "a 2.5 33 21 as 1"}));
 }
 
 TEST_F(FlightLoops, NewestRunsFirstAndOnlyItsOwnerMayChangeItWhileStaleHandlesAreIgnored) {
@@ -200,14 +189,6 @@ TEST_F(FlightLoops, LegacyCallsMatchCallbackAndRefconAndNeverReport) {
     EXPECT_EQ(Called(), (Names{"a", "b", "a", "b", "a", "b"}));
     EXPECT_TRUE(ErrorsOf(beta).empty());
 
-    s_now = 3;
-    RunAs("alpha.tvp", [] { TVPMRegisterFlightLoopCallback(Loop, 2.0f, kC); });
-    s_calls.clear();
-    Frame(4.5f);
-    Frame(5.0f);
-    EXPECT_EQ(Called(), (Names{"b", "c", "b"}));
-    EXPECT_EQ(s_calls[1], "c 2 5 9 as 1");
-
     RunAs("alpha.tvp", [] { TVPMRegisterFlightLoopCallback(Loop, -1, kA); });
     s_during["a"] = [] {
         TVPMUnregisterFlightLoopCallback(Loop, kB);
@@ -215,57 +196,45 @@ TEST_F(FlightLoops, LegacyCallsMatchCallbackAndRefconAndNeverReport) {
     };
     RunAs("alpha.tvp", [] { TVPMRegisterFlightLoopCallback(Loop, -1, kB); });
     s_calls.clear();
-    Frame(6.0f);
-    EXPECT_EQ(Called(), (Names{"b", "a", "c", "b"}));
+    Frame(4);
+    EXPECT_EQ(Called(), (Names{"b", "a", "b"}));
 }
 
-TEST_F(FlightLoops, BadCreateParametersAreReportedOnlyToListenersAndNeverRefused) {
-    TVPMFlightLoopID made[2] = {};
-    RunAs("alpha.tvp", [&] {
-        TVPMCreateFlightLoop_t params{16, 2, nullptr, kA};
-        made[0] = TVPMCreateFlightLoop(&params);
-        TVPMScheduleFlightLoop(made[0], -1, 0);
-        TVPMSetErrorCallback(nullptr);
-        made[1] = TVPMCreateFlightLoop(&params);
-    });
-    EXPECT_NE(made[0], nullptr);
-    EXPECT_NE(made[1], nullptr);
-    EXPECT_EQ(ErrorsOf(alpha), (Names{"Illegal struct size for TVPMCreateFlightLoop",
-                                      "Illegal phase type for TVPMCreateFlightLoop",
-                                      "Null callback for TVPMCreateFlightLoop"}));
-    Frame(1);  // a loop of no known phase is never run
-    RunAs("alpha.tvp", [&] {
-        TVPMCreateFlightLoop_t params{24, 0, nullptr, kA};
+TEST_F(FlightLoops, BadCreateParametersAreReportedButNeverRefusedAndSuchLoopsNeverRun) {
+    RunAs("alpha.tvp", [] {
+        TVPMCreateFlightLoop_t params{16, 2, Loop, kA};
+        TVPMFlightLoopID unknownPhase = TVPMCreateFlightLoop(&params);
+        EXPECT_NE(unknownPhase, nullptr);
+        TVPMScheduleFlightLoop(unknownPhase, -1, 0);
+        params = {24, 0, nullptr, kB};
         TVPMScheduleFlightLoop(TVPMCreateFlightLoop(&params), -1, 0);
     });
-    RunAs("beta.tvp", [] { TVPMRegisterFlightLoopCallback(nullptr, -1, kA); });  // the same checks
-    Frame(2);  // nor is one without a callback
+    RunAs("beta.tvp", [] { TVPMRegisterFlightLoopCallback(nullptr, -1, kC); });  // the same checks
+    Frame(1);
     EXPECT_TRUE(s_calls.empty());
-    EXPECT_EQ(ErrorsOf(beta), Names{"Null callback for TVPMCreateFlightLoop"});
+    const std::string noCallback = "Null callback for TVPMCreateFlightLoop";
+    EXPECT_EQ(ErrorsOf(alpha), (Names{"Illegal struct size for TVPMCreateFlightLoop",
+                                      "Illegal phase type for TVPMCreateFlightLoop", noCallback}));
+    EXPECT_EQ(ErrorsOf(beta), Names{noCallback});
 }
 
-TEST_F(FlightLoops, UnloadingAPluginRemovesItsLoops) {
+TEST_F(FlightLoops, UnloadOrReloadRemovesAPluginsLoopsAndAReloadAskedForDuringAPassRunsAfterIt) {
     host.userAircraftPath = sim.AddAircraft("Cessna", {"acfplug"}, BuiltPlugin("scripted.tvp"));
     TVPMEventHook(tvpm_PlaneLoaded, 0, 0, 0, 0);
     ASSERT_GT(IdOf("acfplug"), 0);
-    CreateAs("acfplug", kA, -1);
-    CreateAs("alpha.tvp", kC, -1);
-    TVPMScheduleFlightLoop(Create(kB), -1, 0);
-    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
-    Frame(1);
-    EXPECT_EQ(Called(), (Names{"b", "c"}));
-    EXPECT_EQ(s_calls[0], "b 1 1 1 as 0") << "the simulator's own loop runs as the simulator";
-}
-
-TEST_F(FlightLoops, AReloadAskedForDuringAPassRunsAfterIt) {
+    CreateAs("acfplug", kD, -1);
+    TVPMScheduleFlightLoop(Create(kC), -1, 0);
     CreateAs("alpha.tvp", kA, -1);
     CreateAs("alpha.tvp", kB, -1);
+    TVPMEventHook(tvpm_PlaneUnloaded, 0, 0, 0, 0);
     s_during["b"] = [] { TVPMReloadPlugins(); };
     Journal().clear();
     Frame(1);
-    EXPECT_EQ(Called(), (Names{"b", "a"}));
+    EXPECT_EQ(Called(), (Names{"b", "a", "c"}));
+    EXPECT_EQ(s_calls[2], "c 1 1 1 as 0") << "the simulator's own loop runs as the simulator";
     EXPECT_EQ(JournalOf("alpha.tvp:stop").size(), 1u);
     s_during.clear();
+    s_calls.clear();
     Frame(2);
-    EXPECT_EQ(s_calls.size(), 2u) << "the reloaded plugin starts without loops";
+    EXPECT_EQ(Called(), Names{"c"}) << "the reloaded plugin starts without loops";
 }

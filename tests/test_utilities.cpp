@@ -133,12 +133,9 @@ TEST_F(Utilities, DataFilesCheckTheirTypeBeforeReachingTheSimulator) {
     const std::string error = std::to_string(IdOf("alpha.tvp")) + ":Illegal file type passed to ";
     EXPECT_EQ(PluginErrors(), (Lines{error + "TVPMLoadDataFile.", error + "TVPMSaveDataFile.",
                                      error + "TVPMLoadDataFile."}));
-    const auto passed = [&](const char* slot) {
-        Lines out;
-        for (const HostCall& c : host.CallsTo(slot)) out.push_back(c.args.at(0) + " " + c.args.at(1));
-        return out;
-    };
-    EXPECT_EQ(passed("TVPMLoadDataFile_f"), Lines{"1 \"a.sit\""});
-    EXPECT_EQ(passed("TVPMSaveDataFile_f"), (Lines{"2 \"b.rep\"", "1 \"\""}));
+    Lines passed;
+    for (const HostCall& c : host.Calls()) passed.push_back(c.slot + " " + c.args.at(0) + " " + c.args.at(1));
+    EXPECT_EQ(passed, (Lines{"TVPMLoadDataFile_f 1 \"a.sit\"", "TVPMSaveDataFile_f 2 \"b.rep\"",
+                             "TVPMSaveDataFile_f 1 \"\""}));
     EXPECT_EQ(host.Log(), "") << "nothing of this reaches the log";
 }

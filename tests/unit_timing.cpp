@@ -11,6 +11,7 @@
 
 using tvpmtest::CollectTimings;
 using tvpmtest::s_samples;
+using tvpmtest::TimingSample;
 
 TVPMHooks* gHooks = nullptr;
 
@@ -26,9 +27,7 @@ protected:
         hooks.TVPMHandleAssertFailed_f = CountAssertion;
         gHooks = &hooks;
         StCallbackTimer::get_plugin_timings(nullptr);  // start from no samples
-        s_samples.clear();
         s_samples.reserve(64);
-        s_reports = 0;
     }
     void TearDown() override { gHooks = nullptr; }
     TVPMHooks hooks{};
@@ -44,13 +43,10 @@ TEST_F(Timing, NestedTimersReportInnerFirstEachForItsOwnPluginAndType) {
         std::this_thread::sleep_for(std::chrono::microseconds(1500));
     }
     StCallbackTimer::get_plugin_timings(CollectTimings);
-    ASSERT_EQ(s_samples.size(), 3u);
-    EXPECT_EQ(s_samples[0].plugin, 1);
-    EXPECT_EQ(s_samples[0].type, tvpm_cb_drawing_misc);
-    EXPECT_EQ(s_samples[1].plugin, 4);
-    EXPECT_EQ(s_samples[1].type, tvpm_cb_drawing_avionics);
-    EXPECT_EQ(s_samples[2].plugin, 2);
-    EXPECT_EQ(s_samples[2].type, tvpm_cb_drawing_window);
+    std::vector<std::pair<TVPMPluginID, TVPMPluginCallbackType>> reported;
+    for (const TimingSample& s : s_samples) reported.emplace_back(s.plugin, s.type);
+    ASSERT_EQ(reported, (decltype(reported){{1, tvpm_cb_drawing_misc}, {4, tvpm_cb_drawing_avionics},
+                                            {2, tvpm_cb_drawing_window}}));
     EXPECT_GE(s_samples[1].microseconds, 1500.0);
     EXPECT_GE(s_samples[2].microseconds, s_samples[1].microseconds);
     EXPECT_EQ(s_reports, 0);

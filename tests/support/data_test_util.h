@@ -1,4 +1,4 @@
-// data_test_util.h: two scripted plugins that keep the error texts they are sent, for the data-item and flight-loop tests.
+// data_test_util.h: two scripted plugins that keep the error texts they are sent, and helpers for data items.
 #pragma once
 
 #include <string>
@@ -6,6 +6,7 @@
 
 #include "PluginContext.h"
 #include "SimTest.h"
+#include "TVPM/TVPMDataAccess.h"
 
 namespace datatest {
 using namespace tvpmtest;
@@ -33,6 +34,21 @@ struct TwoPlugins : SimTest {
         return out;
     }
 };
+
+// Registers an item with only int accessors (either may be null; writable if it has a write), both given ref.
+inline TVPMDataRef RegisterIntItem(const std::string& name, TVPMDataTypeID type, int (*read)(void*),
+                                   void (*write)(void*, int), void* ref) {
+    return TVPMRegisterDataAccessor(name.c_str(), type, write != nullptr, read, write, nullptr, nullptr, nullptr,
+                                    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, ref, ref);
+}
+
+// What TVPMGetDataRefInfo reports for ref.
+inline TVPMDataRefInfo_t InfoOf(TVPMDataRef ref) {
+    TVPMDataRefInfo_t info{};
+    info.structSize = TVPM_DATAREF_INFO_SIZE;
+    TVPMGetDataRefInfo(ref, &info);
+    return info;
+}
 
 // How often needle occurs in haystack (a log, say).
 inline size_t Occurrences(const std::string& haystack, const std::string& needle) {
