@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "DisplayRig.h"
+#include "TimingSamples.h"
 
 using namespace tvpmtest;
 
 namespace {
 
 using Calls = std::vector<std::string>;
-Calls g_calls;
 
 // A registration whose refcon is itself: the callback records
 // "label:phase:before" and answers `answer`.
@@ -24,9 +24,9 @@ struct Reg {
 };
 int Record(TVPMDrawingPhase phase, int before, void* refcon) {
     const Reg* r = static_cast<const Reg*>(refcon);
-    return g_calls.push_back(std::string(r->label) + ":" + std::to_string(phase) + ":" + std::to_string(before)), r->answer;
+    return g_log.push_back(std::string(r->label) + ":" + std::to_string(phase) + ":" + std::to_string(before)), r->answer;
 }
-void DrawLabel(TVPMWindowID, void* refcon) { g_calls.push_back(static_cast<const char*>(refcon)); }
+void DrawLabel(TVPMWindowID, void* refcon) { g_log.push_back(static_cast<const char*>(refcon)); }
 
 void Register(DisplayRig& rig, const Reg& r) {
     rig.As(r.plugin, [&] { EXPECT_EQ(TVPMRegisterDrawCallback(Record, r.phase, r.before, (void*)&r), 1); });
@@ -37,7 +37,6 @@ TVPMWindowID Window(TVPMDrawWindow_f draw, const char* label, int visible = 1) {
 
 class DrawTest : public ::testing::Test {
 protected:
-    void SetUp() override { g_calls.clear(); }
     DisplayRig rig{{"alpha.tvp", "beta.tvp"}};
 };
 
@@ -86,7 +85,7 @@ const Reg kLate{"alpha.tvp", tvpm_Phase_Objects, 1, 1, "late"};
 // Unregisters itself (still a registration until the walk ends, so it cannot
 // register again meanwhile) and registers "late", which waits for the next pass.
 int UnregisterSelfRegisterLate(TVPMDrawingPhase phase, int before, void*) {
-    g_calls.push_back("self");
+    g_log.push_back("self");
     EXPECT_EQ(TVPMUnregisterDrawCallback(UnregisterSelfRegisterLate, phase, before, nullptr), 1);
     EXPECT_EQ(TVPMRegisterDrawCallback(UnregisterSelfRegisterLate, phase, before, nullptr), 0);
     TVPMRegisterDrawCallback(Record, phase, before, (void*)&kLate);
@@ -100,31 +99,23 @@ TEST_F(DrawTest, DrawingHooksAnswerAndCallTheRegisteredCallbacks) {
     int fixedWindow = 0;
     auto check = [&](const Probe& p) {
         SCOPED_TRACE(p.kind);
-        g_calls.clear();
+        g_log.clear();
         EXPECT_EQ(TVPMNeedsDrawingHook(p.kind, p.renderType), p.needs);
         EXPECT_EQ(TVPMDoDrawingHook(p.kind, p.renderType, p.fixed ? &fixedWindow : nullptr), p.answer);
-        EXPECT_EQ(g_calls, p.calls);
+        EXPECT_EQ(g_log, p.calls);
     };
     for (const Probe& p : kProbes) check(p);
+    // A registration is its callback, phase, timing and refcon together.
+    rig.As("alpha.tvp", [] {
+        EXPECT_EQ(TVPMRegisterDrawCallback(Record, kRegs[0].phase, 1, (void*)&kRegs[0]), 0);
+        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, kRegs[0].phase, 1, (void*)&kLate), 0);
+        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, kRegs[0].phase, 0, (void*)&kRegs[0]), 0);
+        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, kRegs[0].phase, 1, (void*)&kRegs[0]), 1);
+        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, kRegs[0].phase, 1, (void*)&kRegs[0]), 0);
+        EXPECT_EQ(TVPMRegisterDrawCallback(nullptr, kRegs[0].phase, 1, nullptr), 0);
+    });
     TVPMDisablePlugin(rig.Id("alpha.tvp"));
     for (const Probe& p : kProbesAlphaDisabled) check(p);
-}
-
-TEST_F(DrawTest, DuplicatesAreRefusedAndUnknownUnregistrationsAnswerZero) {
-    static const Reg x{"alpha.tvp", tvpm_Phase_Modern3D, 1, 1, "x"}, y{"alpha.tvp", tvpm_Phase_Modern3D, 1, 1, "y"};
-    rig.As("alpha.tvp", [] {
-        EXPECT_EQ(TVPMRegisterDrawCallback(Record, x.phase, 1, (void*)&x), 1);
-        EXPECT_EQ(TVPMRegisterDrawCallback(Record, x.phase, 1, (void*)&x), 0);
-        EXPECT_EQ(TVPMRegisterDrawCallback(Record, x.phase, 0, (void*)&x), 1);
-        EXPECT_EQ(TVPMRegisterDrawCallback(Record, tvpm_Phase_Gauges, 1, (void*)&x), 1);
-        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, x.phase, 1, (void*)&y), 0);
-        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, x.phase, 1, (void*)&x), 1);
-        EXPECT_EQ(TVPMUnregisterDrawCallback(Record, x.phase, 1, (void*)&x), 0);
-        EXPECT_EQ(TVPMRegisterDrawCallback(Record, x.phase, 1, (void*)&y), 1);
-        EXPECT_EQ(TVPMRegisterDrawCallback(nullptr, x.phase, 1, nullptr), 0);
-    });
-    TVPMDoDrawingHook(13, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"y:31:1", "x:31:0"}));
 }
 
 TEST_F(DrawTest, ChangesDuringTheWalkTakeEffectOnTheNextPass) {
@@ -134,33 +125,24 @@ TEST_F(DrawTest, ChangesDuringTheWalkTakeEffectOnTheNextPass) {
     Register(rig, newer);
     TVPMDoDrawingHook(8, 0, nullptr);
     TVPMDoDrawingHook(8, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"newer:20:1", "self", "older:20:1", "late:20:1", "newer:20:1", "older:20:1"}));
+    EXPECT_EQ(g_log, (Calls{"newer:20:1", "self", "older:20:1", "late:20:1", "newer:20:1", "older:20:1"}));
     rig.As("alpha.tvp", [] { EXPECT_EQ(TVPMRegisterDrawCallback(UnregisterSelfRegisterLate, tvpm_Phase_Objects, 1, nullptr), 1); });
 }
 
-TEST_F(DrawTest, CallbacksRunAsTheirPluginAndAreTimedByCategory) {
-    static TVPMPluginID seen = -5;
-    static const Reg w{"beta.tvp", tvpm_Phase_Window, 1, 1, "w"}, m{"beta.tvp", tvpm_Phase_LocalMap2D, 0, 1, "m"};
-    rig.As("beta.tvp", [] {
-        TVPMRegisterDrawCallback([](TVPMDrawingPhase, int, void*) { return seen = TVPMGetMyID(), 1; }, tvpm_Phase_Panel, 1, nullptr);
-        TVPMRegisterDrawCallback(Record, w.phase, w.before, (void*)&w);
-        TVPMRegisterDrawCallback(Record, m.phase, m.before, (void*)&m);
-        Window(DrawLabel, "win");
-    });
-    static std::vector<std::pair<TVPMPluginID, TVPMPluginCallbackType>> samples;
-    auto collect = [](uint64_t n, const TVPMPluginID* ids, const TVPMPluginCallbackType* types, const double*) {
-        for (uint64_t i = 0; i < n; ++i) samples.emplace_back(ids[i], types[i]);
-    };
-    TVPMGetPluginCallbackTimings(collect);
-    samples.clear();
+TEST_F(DrawTest, CallbacksAreTimedByTheCategoryOfTheirPhase) {
+    static const Reg regs[] = {{"beta.tvp", tvpm_Phase_Panel, 1, 1, "p"},
+                               {"beta.tvp", tvpm_Phase_Window, 1, 1, "w"},
+                               {"beta.tvp", tvpm_Phase_LocalMap2D, 0, 1, "m"}};
+    for (const Reg& r : regs) Register(rig, r);
+    rig.As("beta.tvp", [] { Window(DrawLabel, "win"); });
+    TVPMGetPluginCallbackTimings(CollectTimings);
+    s_samples.clear();
     for (int kind : {15, 20, 23, 21}) TVPMDoDrawingHook(kind, 0, nullptr);
-    EXPECT_EQ(seen, rig.Id("beta.tvp"));
-    EXPECT_EQ(TVPMGetMyID(), 0);
-    TVPMGetPluginCallbackTimings(collect);
-    const TVPMPluginID beta = rig.Id("beta.tvp");
-    EXPECT_EQ(samples, (std::vector<std::pair<TVPMPluginID, TVPMPluginCallbackType>>{
-                           {beta, tvpm_cb_drawing_panel_legacy}, {beta, tvpm_cb_drawing_window_legacy},
-                           {beta, tvpm_cb_drawing_misc}, {beta, tvpm_cb_drawing_window}}));
+    TVPMGetPluginCallbackTimings(CollectTimings);
+    std::vector<TVPMPluginCallbackType> types;
+    for (const TimingSample& s : s_samples) types.push_back(s.type);
+    EXPECT_EQ(types, (std::vector<TVPMPluginCallbackType>{tvpm_cb_drawing_panel_legacy, tvpm_cb_drawing_window_legacy,
+                                                         tvpm_cb_drawing_misc, tvpm_cb_drawing_window}));
 }
 
 // ---- The window pass ---------------------------------------------------------------------
@@ -181,12 +163,12 @@ TEST_F(DrawTest, WindowsAreDrawnBackToFrontIntoTheirOwnSurfaceWhenVisible) {
     EXPECT_EQ(TVPMNeedsDrawingHook(20, 0), 0);  // only the after kind draws windows
     Register(rig, after);
     EXPECT_EQ(TVPMDoDrawingHook(21, 0, nullptr), 1);
-    EXPECT_EQ(g_calls, (Calls{"A", "B", "C", "after:50:0"}));
-    g_calls.clear();
+    EXPECT_EQ(g_log, (Calls{"A", "B", "C", "after:50:0"}));
+    g_log.clear();
     rig.As("beta.tvp", [&] { TVPMBringWindowToFront(a); });
     TVPMDoDrawingHook(21, 0, nullptr);
     EXPECT_EQ(TVPMDoDrawingHook(21, 0, gui), 1);
-    EXPECT_EQ(g_calls, (Calls{"B", "C", "A", "after:50:0", "gui"}));
+    EXPECT_EQ(g_log, (Calls{"B", "C", "A", "after:50:0", "gui"}));
     TVPMDisablePlugin(rig.Id("alpha.tvp"));
     EXPECT_EQ(TVPMNeedsDrawingHook(21, 0), 0);
 }
@@ -212,18 +194,29 @@ void DrawAndDisableBeta(TVPMWindowID, void* refcon) {
 }
 }  // namespace
 
-TEST_F(DrawTest, WindowsReorderedOrReplacedDuringThePassAreDrawnOnce) {
+TEST_F(DrawTest, WindowsReorderedReplacedOrDisabledDuringThePassAreDrawnOnceOrNotAtAll) {
     rig.As("alpha.tvp", [] {
         g_backMost = Window(DrawLabel, "0");
         Window(DrawAndReplaceSelf, "self");
         Window(DrawAndRaiseBackMost, "2");
         Window(DrawAndRaiseBackMost, "3");
+        Window(DrawAndDisableBeta, "disabler");
     });
+    rig.As("beta.tvp", [] {
+        Window(DrawLabel, "beta");
+        TVPMCreateWindow_t p{};
+        p.structSize = TVPM_CREATE_WINDOW_SIZE_GUI;
+        p.visible = 1;
+        TVPMTakeKeyboardFocus(TVPMCreateWindowEx(&p));
+    });
+    rig.host.ClearCalls();
     TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"0", "self", "2", "3"}));
-    g_calls.clear();
+    EXPECT_EQ(g_log, (Calls{"0", "self", "2", "3", "disabler"}));
+    EXPECT_EQ(rig.host.Count("TVPMHideGuiPluginWindow_f"), 1u);
+    EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1);
+    g_log.clear();
     TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"2", "3", "new", "0"}));
+    EXPECT_EQ(g_log, (Calls{"2", "3", "disabler", "new", "0"}));
 }
 
 TEST_F(DrawTest, AircraftPluginsReloadedDuringThePassLoseTheirOldWindowsSafely) {
@@ -240,24 +233,8 @@ TEST_F(DrawTest, AircraftPluginsReloadedDuringThePassLoseTheirOldWindowsSafely) 
     // The old gamma window was destroyed by the reload before its turn and the
     // new one was created during the pass; the new after-callback is in time
     // for the after walk, which starts later.
-    EXPECT_EQ(g_calls, (Calls{"reloader", "gamma-after:50:0"}));
-    g_calls.clear();
+    EXPECT_EQ(g_log, (Calls{"reloader", "gamma-after:50:0"}));
+    g_log.clear();
     TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, (Calls{"reloader", "gamma", "gamma-after:50:0"}));
-}
-
-TEST_F(DrawTest, PluginDisabledDuringThePassIsNotDrawnAndItsSimulatorWindowsHide) {
-    rig.As("alpha.tvp", [] { Window(DrawAndDisableBeta, "disabler"); });
-    rig.As("beta.tvp", [] {
-        Window(DrawLabel, "beta");
-        TVPMCreateWindow_t p{};
-        p.structSize = 88;
-        p.visible = 1;
-        TVPMTakeKeyboardFocus(TVPMCreateWindowEx(&p));
-    });
-    rig.host.ClearCalls();
-    TVPMDoDrawingHook(21, 0, nullptr);
-    EXPECT_EQ(g_calls, Calls{"disabler"});
-    EXPECT_EQ(rig.host.Count("TVPMHideGuiPluginWindow_f"), 1u);
-    EXPECT_EQ(TVPMHasKeyboardFocus(nullptr), 1);
+    EXPECT_EQ(g_log, (Calls{"reloader", "gamma", "gamma-after:50:0"}));
 }

@@ -15,6 +15,9 @@
 
 namespace tvpmtest {
 
+// What the test's callbacks did, in order; every rig starts it empty.
+inline std::vector<std::string> g_log;
+
 // Starts a simulator whose plugin folder holds one scripted plugin per key.
 class DisplayRig {
 public:
@@ -22,6 +25,7 @@ public:
         // Every list self-check runs while a handler is installed: a broken
         // link or a mis-kept walk count anywhere in a test fails that test.
         Failures().clear();
+        g_log.clear();
         host.On<&TVPMHooks::TVPMHandleAssertFailed_f>(
             [](const char* condition, const char*, int line) {
                 Failures().push_back(std::string(condition) + " @" + std::to_string(line));
