@@ -203,6 +203,7 @@ TEST_F(DataRefs, NewItemNoticeGoesOnlyToPluginsThatAskedWithTheTotal) {
     RegisterInt("sim/a", &storage);
     Start();
     TVPMEventHook(tvpm_CheckNewDatarefs, 0, 0, 0, 0);
+    TVPMEventHook(tvpm_CheckNewDatarefs, 0, 0, 0, 0);  // nothing new, no notice
     RegisterInt("sim/b", &storage);
     RegisterInt("sim/c", &storage);
     TVPMEventHook(tvpm_CheckNewDatarefs, 0, 0, 0, 0);
