@@ -58,7 +58,6 @@ bool IsFolderEntry(const char* folder, const dirent* entry) {
     const std::string full = std::string(folder) + "/" + entry->d_name;
     struct stat st;
     if (stat(full.c_str(), &st) == 0) return S_ISDIR(st.st_mode);
-    printf("name %s, errno %d\n", entry->d_name, errno);
     return false;
 }
 
