@@ -18,10 +18,12 @@ namespace tvpmtest {
 inline std::mutex gCompletionsMutex;
 inline std::vector<std::string> gCompletions;
 
+// "<plugin id>:<text>", as completions and plugin errors are recorded.
+inline std::string Tagged(TVPMPluginID id, const std::string& text) { return std::to_string(id) + ":" + text; }
+
 inline void RecordCompletion(void* refcon, TVPMFMODResult status) {
     std::lock_guard<std::mutex> lock(gCompletionsMutex);
-    gCompletions.push_back(std::to_string(TVPMGetMyID()) + ":" + (refcon ? static_cast<const char*>(refcon) : "null") +
-                           ":" + std::to_string(status));
+    gCompletions.push_back(Tagged(TVPMGetMyID(), static_cast<const char*>(refcon) + (":" + std::to_string(status))));
 }
 
 inline std::vector<std::string> Completed() {
