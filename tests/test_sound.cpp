@@ -1,8 +1,12 @@
-// test_sound.cpp: channel groups per plugin and bus, PCM playback and its completions, channel controls, and release on disable, unload and bank unload, against the stand-in engine.
-#include <cmath>
+// test_sound.cpp: plugins' channel groups, PCM playback and completions, channel controls and their release.
+#include <atomic>
 #include <functional>
+#include <thread>
 
-#include "SoundRig.h"
+#include "FMODStandIn.h"
+#include "PluginContext.h"
+#include "SimTest.h"
+#include "TVPM/TVPMSound.h"
 
 using namespace tvpmtest;
 
@@ -10,18 +14,52 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+// Completions as "<plugin id>:<refcon text>:<status>"; all are heard on the plugin thread.
+Lines gCompletions;
+
+// Each text as "<plugin id>:<text>", as completions and plugin errors are recorded.
+Lines Tagged(TVPMPluginID id, Lines texts) {
+    for (std::string& text : texts) text = std::to_string(id) + ":" + text;
+    return texts;
+}
+
+void RecordCompletion(void* refcon, TVPMFMODResult status) {
+    gCompletions.push_back(std::to_string(TVPMGetMyID()) + ":" + static_cast<const char*>(refcon) + ":" +
+                           std::to_string(status));
+}
+
+// Plays 0.1 s of silence (800 mono 16-bit frames at 8000 Hz), by default with the recorder as completion.
+TVPMFMODChannel* PlayTenth(TVPMAudioBus bus, const char* refcon, int loop = 0,
+                           TVPMPCMComplete_f done = RecordCompletion) {
+    static int16_t pcm[800];
+    return TVPMPlayPCMOnBus(pcm, sizeof pcm, tvpm_FMOD_PCM16, 8000, 1, loop, bus, done, const_cast<char*>(refcon));
+}
+
+class SoundRig : public SimTest {
+protected:
+    void SetUp() override {
+        fmodstandin::Reset();
+        gCompletions.clear();
+        PluginErrors().clear();
+        AddScripted({"alpha.tvp", "beta.tvp"});
+        for (const char* key : {"alpha.tvp", "beta.tvp"}) ReportErrorsOf(key);
+        host.On<&TVPMHooks::TVPMGetFMODSystem_f>([] { return fmodstandin::System(); });
+        host.On<&TVPMHooks::TVPMGetFMODStudio_f>([] { return fmodstandin::Studio(); });
+        host.On<&TVPMHooks::TVPMGetFMODBus_f>([](const char* id) { return fmodstandin::Bus(id, id); });  // named by ID
+        host.Start(sim.Root());
+        alpha = IdOf("alpha.tvp");
+        beta = IdOf("beta.tvp");
+    }
+
+    TVPMPluginID alpha = -1, beta = -1;
+};
+
 // The index of the first engine journal line that starts with prefix, or -1.
 long Logged(const std::string& prefix) {
     const Lines journal = fmodstandin::Journal();
     for (size_t i = 0; i < journal.size(); ++i)
         if (journal[i].rfind(prefix, 0) == 0) return static_cast<long>(i);
     return -1;
-}
-
-std::string GroupParent(const std::string& name) {
-    for (auto& g : fmodstandin::Groups())
-        if (g.name == name && g.alive) return g.parent;
-    return "(none)";
 }
 
 TEST_F(SoundRig, EachPluginGetsOneNamedGroupPerBusUntilABankUnloads) {
@@ -32,32 +70,22 @@ TEST_F(SoundRig, EachPluginGetsOneNamedGroupPerBusUntilABankUnloads) {
     EXPECT_EQ(groupOf("alpha.tvp"), a);
     EXPECT_EQ(fmodstandin::GroupName(a), "alpha.tvp - UI");
     EXPECT_EQ(fmodstandin::GroupName(groupOf("beta.tvp")), "beta.tvp - UI");
-    EXPECT_GE(Logged("addGroup UI <- alpha.tvp - UI propagate=1"), 0);
-    EXPECT_EQ(RunAs<void*>("alpha.tvp", [] { return (void*)TVPMGetFMODStudio(); }), (void*)fmodstandin::Studio());
+    EXPECT_GE(Logged("addGroup 77575f3b-b9cd-4bff-9056-637cff744a14 <- alpha.tvp - UI propagate=1"), 0);
     TVPMEventHook(tvpm_FMODBankUnloading, 0, 0, tvpm_RadioBank, 0);
-    EXPECT_EQ(GroupParent("alpha.tvp - UI"), "(none)");
-    EXPECT_EQ(GroupParent("beta.tvp - UI"), "(none)");
-    groupOf("alpha.tvp");  // made again on the next use
-    EXPECT_EQ(GroupParent("alpha.tvp - UI"), "UI");
+    for (const char* group : {"release group alpha.tvp - UI", "release group beta.tvp - UI"})
+        EXPECT_GE(Logged(group), 0) << group;
+    EXPECT_NE(groupOf("alpha.tvp"), a);  // made again on the next use
 }
 
 TEST_F(SoundRig, ASoundIsCreatedFromRawPCMAndCompletesAtTheNextFrameAfterItEnds) {
-    TVPMFMODChannel* looping = RunAs<TVPMFMODChannel*>("alpha.tvp", [] {
-        PlayTenth(tvpm_AudioRadioCom1, "once");
-        return PlayTenth(tvpm_AudioRadioCom1, "looping", 1);
-    });
-    for (const char* mode : {"0x1801", "0x1802"})
-        EXPECT_GE(Logged(std::string("createSound mode=") + mode + " cbsize=224 length=1600 channels=1 rate=8000 format=2"),
-                  0);
+    RunAs("alpha.tvp", [] { PlayTenth(tvpm_AudioRadioCom1, "once"); });
+    EXPECT_GE(Logged("createSound mode=0x1801 cbsize=224 length=1600 channels=1 rate=8000 format=2"), 0);
     EXPECT_GE(Logged("playSound alpha.tvp - COM1"), 0);
     fmodstandin::Advance(0.2);
-    EXPECT_TRUE(Completed().empty());
+    EXPECT_TRUE(gCompletions.empty());
     host.RunFrame();  // the engine ended it; the plugin hears at the frame
-    EXPECT_EQ(Completed(), Lines{Tagged(alpha, "once:0")});
+    EXPECT_EQ(gCompletions, Tagged(alpha, {"once:0"}));
     EXPECT_GE(Logged("release sound"), 0);
-    EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return TVPMStopAudio(looping); }), 0);
-    host.RunFrame();
-    EXPECT_EQ(Completed(), (Lines{Tagged(alpha, "once:0"), Tagged(alpha, "looping:0")}));
 }
 
 TEST_F(SoundRig, AFailedPlayReportsAndCompletesAtOnce) {
@@ -67,15 +95,14 @@ TEST_F(SoundRig, AFailedPlayReportsAndCompletesAtOnce) {
         const char* failing;  // the engine call that fails, with status
         int status;
         Lines errors;
-        bool channelReturned, soundReleased;
+        bool soundReleased;
     } cases[] = {
-        {"bus 11", 11, nullptr, 31, {"The FMOD bus ID was invalid."}, false, false},
-        {"createSound fails", tvpm_AudioUI, "FMOD_System_CreateSound", 38, {}, false, false},
-        {"playSound fails", tvpm_AudioUI, "FMOD_System_PlaySound", 64, {}, false, true},
-        {"setCallback fails after play", tvpm_AudioUI, "FMOD_Channel_SetCallback", 30, {}, true, true},
+        {"bus 11", 11, nullptr, 31, {"The FMOD bus ID was invalid."}, false},
+        {"createSound fails", tvpm_AudioUI, "FMOD_System_CreateSound", 38, {}, false},
+        {"playSound fails", tvpm_AudioUI, "FMOD_System_PlaySound", 64, {}, true},
         {"simulator has no bus", tvpm_AudioGround, nullptr, 46,
          {"The FMOD bus could not be retrieved.", "TVPMPlayPCMOnBus was called when no FMOD system was available."},
-         false, false},
+         false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -85,12 +112,9 @@ TEST_F(SoundRig, AFailedPlayReportsAndCompletesAtOnce) {
         if (c.failing) fmodstandin::FailNext(c.failing, c.status);
         if (c.bus == tvpm_AudioGround)  // the last row
             host.On<&TVPMHooks::TVPMGetFMODBus_f>([](const char*) -> FMOD_STUDIO_BUS* { return nullptr; });
-        TVPMFMODChannel* ch = RunAs<TVPMFMODChannel*>("beta.tvp", [&] { return PlayTenth(c.bus, "x"); });
-        EXPECT_EQ(ch != nullptr, c.channelReturned);
-        Lines errors;
-        for (const std::string& e : c.errors) errors.push_back(Tagged(beta, e));
-        EXPECT_EQ(PluginErrors(), errors);
-        EXPECT_EQ(Completed(), Lines{Tagged(beta, "x:" + std::to_string(c.status))});
+        EXPECT_EQ(RunAs<TVPMFMODChannel*>("beta.tvp", [&] { return PlayTenth(c.bus, "x"); }), nullptr);
+        EXPECT_EQ(PluginErrors(), Tagged(beta, c.errors));
+        EXPECT_EQ(gCompletions, Tagged(beta, {"x:" + std::to_string(c.status)}));
         EXPECT_EQ(Logged("release sound") >= 0, c.soundReleased);
     }
 }
@@ -103,35 +127,33 @@ TEST_F(SoundRig, ChannelControlsValidateThenSteerTheChannel) {
         const char* what;
         std::function<int(TVPMFMODChannel*)> call;
         int result;
-        const char* error;
+        Lines errors;
         Lines engine;  // what reached the engine, in order
     } cases[] = {
-        {"stop null", [](auto) { return TVPMStopAudio(nullptr); }, 31, kNull, {}},
-        {"null position", [](auto c) { return TVPMSetAudioPosition(c, nullptr, nullptr); }, 31, kNull, {}},
-        {"null orientation", [](auto c) { return TVPMSetAudioCone(c, 1, 2, 1, nullptr); }, 31, kNull, {}},
-        {"position on 2D", [](auto c) { return TVPMSetAudioPosition(c, &v, &v); }, 0, nullptr,
+        {"stop null", [](auto) { return TVPMStopAudio(nullptr); }, 31, {kNull}, {}},
+        {"null position", [](auto c) { return TVPMSetAudioPosition(c, nullptr, nullptr); }, 31, {kNull}, {}},
+        {"null orientation", [](auto c) { return TVPMSetAudioCone(c, 1, 2, 1, nullptr); }, 31, {kNull}, {}},
+        {"position on 2D", [](auto c) { return TVPMSetAudioPosition(c, &v, &v); }, 0, {},
          {"setMode 0x10", "set3DAttributes 1.000000 1.000000"}},
-        {"fade both below 0", [](auto c) { return TVPMSetAudioFadeDistance(c, -1, -1); }, 0, nullptr, {"setMode 0x8"}},
-        {"fade -1 to 5", [](auto c) { return TVPMSetAudioFadeDistance(c, -1, 5); }, 0, nullptr,
+        {"fade both below 0", [](auto c) { return TVPMSetAudioFadeDistance(c, -1, -1); }, 0, {}, {"setMode 0x8"}},
+        {"fade -1 to 5", [](auto c) { return TVPMSetAudioFadeDistance(c, -1, 5); }, 0, {},
          {"setMode 0x10", "set3DMinMaxDistance -1.000000 5.000000"}},
-        {"volume", [](auto c) { return TVPMSetAudioVolume(c, 0.5f); }, 0, nullptr, {"setVolume 0.500000"}},
-        {"pitch", [](auto c) { return TVPMSetAudioPitch(c, 2); }, 0, nullptr, {"setPitch 2.000000"}},
-        {"cone", [](auto c) { return TVPMSetAudioCone(c, 30, 90, 0.25f, &v); }, 0, nullptr,
+        {"volume", [](auto c) { return TVPMSetAudioVolume(c, 0.5f); }, 0, {}, {"setVolume 0.500000"}},
+        {"cone", [](auto c) { return TVPMSetAudioCone(c, 30, 90, 0.25f, &v); }, 0, {},
          {"set3DConeSettings 30.000000 90.000000 0.250000", "set3DConeOrientation 3.000000"}},
-        {"stop", [](auto c) { return TVPMStopAudio(c); }, 0, nullptr, {"stop channel"}},
-        {"stale channel", [](auto c) { return TVPMSetAudioVolume(c, 1); }, 30, nullptr, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         PluginErrors().clear();
         fmodstandin::ClearJournal();
         EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return c.call(ch); }), c.result);
-        Lines engine = fmodstandin::Journal();
-        for (auto& line : engine)
-            if (line.rfind("stop channel", 0) == 0) line = "stop channel";  // channel IDs run on across tests
-        EXPECT_EQ(engine, c.engine);
-        EXPECT_EQ(PluginErrors(), c.error ? Lines{Tagged(alpha, c.error)} : Lines{});
+        EXPECT_EQ(fmodstandin::Journal(), c.engine);
+        EXPECT_EQ(PluginErrors(), Tagged(alpha, c.errors));
     }
+    EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return TVPMStopAudio(ch); }), 0);
+    host.RunFrame();
+    EXPECT_EQ(gCompletions, Tagged(alpha, {"c:0"}));
+    EXPECT_EQ(RunAs<int>("alpha.tvp", [&] { return TVPMSetAudioVolume(ch, 1); }), 30);  // the channel is gone
 }
 
 // A completion callback runs under the queue lock: starting or stopping a
@@ -145,27 +167,24 @@ TEST_F(SoundRig, DisableStopsOnlyThePluginsSoundsEvenFromItsCompletionAndUnloadR
             FMOD_System_CreateChannelGroup(fmodstandin::System(), name, &child);
             FMOD_ChannelGroup_AddGroup(mine, child, 1, nullptr);
         }
-        static int16_t pcm[800];
-        TVPMPlayPCMOnBus(pcm, sizeof pcm, tvpm_FMOD_PCM16, 8000, 1, 0, tvpm_AudioUI,
-                         [](void*, TVPMFMODResult) {
-                             s_started = PlayTenth(tvpm_AudioUI, "again");
-                             TVPMStopAudio(s_other);
-                             TVPMDisablePlugin(TVPMGetMyID());
-                         },
-                         nullptr);
-        s_other = PlayTenth(tvpm_Master, "other", 1);
+        PlayTenth(tvpm_AudioUI, nullptr, 0, [](void*, TVPMFMODResult) {
+            s_started = PlayTenth(tvpm_AudioUI, "again");
+            TVPMStopAudio(s_other);
+            TVPMDisablePlugin(TVPMGetMyID());
+        });
+        s_other = PlayTenth(tvpm_Master, "other", 1);  // looping: only a stop or a disable ends it
     });
     RunAs("beta.tvp", [] { PlayTenth(tvpm_AudioUI, "b", 1); });
     TVPMDisablePlugin(beta);
-    EXPECT_EQ(Completed(), Lines{Tagged(beta, "b:65")});  // before disable returns
+    EXPECT_EQ(gCompletions, Tagged(beta, {"b:65"}));  // before disable returns
     EXPECT_EQ(fmodstandin::PlayingChannels().size(), 2u);
     fmodstandin::Advance(0.5);
     host.RunFrame();
     EXPECT_EQ(s_started, nullptr);
     EXPECT_EQ(PluginErrors(),
-              (Lines{Tagged(alpha, "TVPMPlayPCMOnBus was called from a completion callback, where sounds cannot start."),
-                     Tagged(alpha, "TVPMStopAudio was called from a completion callback, where sounds cannot stop.")}));
-    EXPECT_EQ(Completed(), (Lines{Tagged(beta, "b:65"), Tagged(alpha, "other:65")}));
+              Tagged(alpha, {"TVPMPlayPCMOnBus was called from a completion callback, where sounds cannot start.",
+                             "TVPMStopAudio was called from a completion callback, where sounds cannot stop."}));
+    EXPECT_EQ(gCompletions, (Lines{std::to_string(beta) + ":b:65", std::to_string(alpha) + ":other:65"}));
     EXPECT_GE(Logged("stop group alpha.tvp - Master"), 0);
     EXPECT_TRUE(fmodstandin::PlayingChannels().empty());
     fmodstandin::ClearJournal();
@@ -176,6 +195,33 @@ TEST_F(SoundRig, DisableStopsOnlyThePluginsSoundsEvenFromItsCompletionAndUnloadR
         EXPECT_LT(Logged(child), parent) << child;
     }
     EXPECT_GT(Logged("studio update"), parent);
+}
+
+TEST_F(SoundRig, ChannelsEndingOnTheEngineThreadRaceNothing) {
+    std::atomic<bool> done{false};
+    std::thread engine([&] {
+        while (!done)
+            for (FMOD_CHANNEL* ch : fmodstandin::PlayingChannels()) fmodstandin::EndChannel(ch);
+    });
+    int played = 0;
+    for (int round = 0; round < 200; ++round) {
+        RunAs("alpha.tvp", [&] {
+            for (int i = 0; i < 3; ++i) played += PlayTenth(tvpm_AudioUI, "s", i == 2) != nullptr;
+            for (FMOD_CHANNEL* ch : fmodstandin::PlayingChannels()) TVPMStopAudio(ch);
+        });
+        RunAs("beta.tvp", [&] { played += PlayTenth(tvpm_AudioUI, "s", 1) != nullptr; });
+        if (round % 2 == 0) {  // the engine may end beta's sound while disable stops it
+            TVPMDisablePlugin(beta);
+            TVPMEnablePlugin(beta);
+        }
+        host.RunFrame();
+    }
+    done = true;
+    engine.join();
+    TVPMDisablePlugin(alpha);
+    TVPMDisablePlugin(beta);
+    EXPECT_EQ(gCompletions.size(), static_cast<size_t>(played));
+    EXPECT_TRUE(fmodstandin::PlayingChannels().empty());
 }
 
 }  // namespace
