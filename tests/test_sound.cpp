@@ -197,6 +197,7 @@ TEST_F(SoundRig, DisableStopsOnlyThePluginsSoundsEvenFromItsCompletionAndUnloadR
     EXPECT_GT(Logged("studio update"), parent);
 }
 
+// Every sound is heard exactly once, whichever thread ends it.
 TEST_F(SoundRig, ChannelsEndingOnTheEngineThreadRaceNothing) {
     std::atomic<bool> done{false};
     std::thread engine([&] {
