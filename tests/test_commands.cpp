@@ -1,7 +1,6 @@
 // test_commands.cpp: commands as plugins and the simulator see them: finding and creating, handler chains, held commands, legacy keys and buttons.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -36,22 +35,20 @@ int NoteAndStop(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 char kA[] = "A", kB[] = "B", kC[] = "C";
 
 struct TwoPlugins : AlphaBeta {
-    TwoPlugins() {
-        host.On<&TVPMHooks::TVPMFindCreateCommand_f>(
-            [](const char* name, const char*, int create) -> void* {
-                return std::string(name) == "known/cmd" || create ? kCmd : nullptr;
-            });
-    }
     void Register(const std::string& key, TVPMCommandCallback_f cb, int before, char* refcon) {
         RunAs(key, [=] { TVPMRegisterCommandHandler(kCmd, cb, before, refcon); });
+    }
+    // The first argument of every call to slot, in order.
+    Lines FirstArgs(const std::string& slot) const {
+        Lines refs;
+        for (const HostCall& c : host.CallsTo(slot)) refs.push_back(c.args[0]);
+        return refs;
     }
     // One repeat pass: the commands the host is asked to continue, in order.
     Lines RepeatPass() {
         host.ClearCalls();
         TVPMEventHook(tvpm_CommandRepeat, 0, 0, 0, 0);
-        Lines refs;
-        for (const HostCall& c : host.CallsTo("TVPMDoCommandContinue_f")) refs.push_back(c.args[0]);
-        return refs;
+        return FirstArgs("TVPMDoCommandContinue_f");
     }
 };
 
@@ -59,6 +56,9 @@ struct TwoPlugins : AlphaBeta {
 
 TEST(Commands, FindOnlyFindsAndCreatingWarnsOnlyForTheExactSimPrefix) {
     TwoPlugins t;
+    t.host.On<&TVPMHooks::TVPMFindCreateCommand_f>([](const char* name, const char*, int create) -> void* {
+        return std::string(name) == "known/cmd" || create ? kCmd : nullptr;
+    });
     EXPECT_EQ(TVPMFindCommand("known/cmd"), kCmd);
     EXPECT_EQ(TVPMFindCommand("missing/cmd"), nullptr);
     EXPECT_EQ(TVPMFindCommand(nullptr), nullptr);
@@ -71,6 +71,8 @@ TEST(Commands, FindOnlyFindsAndCreatingWarnsOnlyForTheExactSimPrefix) {
         {"Sim/thing", "", "\"\"", false},                {"sim", "", "\"\"", false},
         {nullptr, nullptr, nullptr, false},
     };
+    const std::string error =
+        std::to_string(t.alpha) + ":Plugin is illegally registering a command with the prefix sim/";
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name ? c.name : "null");
         t.host.ClearCalls();
@@ -80,41 +82,9 @@ TEST(Commands, FindOnlyFindsAndCreatingWarnsOnlyForTheExactSimPrefix) {
         const Lines passed = c.name ? Lines{FormatArg(c.name), c.passedDescription, "1"} : Lines{};
         auto calls = t.host.CallsTo("TVPMFindCreateCommand_f");
         EXPECT_EQ(calls.empty() ? Lines{} : calls[0].args, passed);
-        EXPECT_EQ(PluginErrors(), c.warns ? Lines{std::to_string(t.alpha) + ":Plugin is illegally "
-                                                  "registering a command with the prefix sim/"}
-                                          : Lines{});
-        EXPECT_EQ(t.host.Log(), c.warns ? "[alpha.tvp]: It is illegal to register a command "
-                                          "starting with sim/\n" : "");
+        EXPECT_EQ(PluginErrors(), c.warns ? Lines{error} : Lines{});
+        EXPECT_EQ(t.host.Log(), c.warns ? "[alpha.tvp]: It is illegal to register a command starting with sim/\n" : "");
     }
-}
-
-TEST(Commands, BeforeHandlersRunNewestFirstAfterHandlersInOrderAndZeroConsumes) {
-    TwoPlugins t;
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1) << "no handlers";
-    t.Register("alpha.tvp", Note, 1, kA);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1) << "only a before-handler exists";
-    t.Register("beta.tvp", Note, 1, kB);
-    t.Register("alpha.tvp", Note, 0, kA);
-    t.Register("beta.tvp", Note, 0, kB);
-    s_seen.clear();
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
-    EXPECT_EQ(TVPMGetMyID(), 0) << "the host's context is restored";
-    EXPECT_EQ(TVPMCommandHook(kOther, 1, 0, 1), 1);
-    // Held, up, and up winning over down.
-    TVPMCommandHook(kCmd, 0, 0, 0);
-    TVPMCommandHook(kCmd, 0, 1, 0);
-    TVPMCommandHook(kCmd, 1, 1, 0);
-    EXPECT_EQ(s_seen, (Lines{"B0@beta.tvp", "A0@alpha.tvp", "A0@alpha.tvp", "B0@beta.tvp",
-                             "A1@alpha.tvp", "B1@beta.tvp", "A2@alpha.tvp", "B2@beta.tvp",
-                             "A2@alpha.tvp", "B2@beta.tvp"}));
-
-    t.Register("beta.tvp", NoteAndStop, 1, kC);  // newest: runs first
-    t.Register("alpha.tvp", NoteAndStop, 0, kC);
-    s_seen.clear();
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 0);
-    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 0);
-    EXPECT_EQ(s_seen, (Lines{"C0@beta.tvp", "A0@alpha.tvp", "B0@beta.tvp", "C0@alpha.tvp"}));
 }
 
 namespace {
@@ -125,31 +95,57 @@ int UnregisterSelf(TVPMCommandRef cmd, TVPMCommandPhase phase, void* refcon) {
 }
 }  // namespace
 
-TEST(Commands, UnregisterRemovesOneOwnMatchingRegistrationEvenWhileRunning) {
+TEST(Commands, BeforeHandlersRunNewestFirstAfterHandlersInOrderAndZeroConsumes) {
     TwoPlugins t;
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1) << "no handlers";
+    t.Register("alpha.tvp", Note, 1, kA);
+    t.Register("beta.tvp", Note, 1, kB);
     t.Register("alpha.tvp", Note, 0, kA);
-    t.Register("alpha.tvp", Note, 0, kA);  // no duplicate check: runs twice
+    t.Register("alpha.tvp", Note, 0, kA);  // no duplicate check
+    t.Register("beta.tvp", UnregisterSelf, 0, kB);
     t.Register("alpha.tvp", Note, 0, kC);
-    // Someone else's, a wrong table and a wrong refcon remove nothing.
+    // Someone else's, a wrong table and a wrong refcon remove nothing; a match removes one.
     RunAs("beta.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
     RunAs("alpha.tvp", [] {
-        TVPMUnregisterCommandHandler(kCmd, Note, 1, kA);
+        TVPMUnregisterCommandHandler(kCmd, Note, 1, kC);
         TVPMUnregisterCommandHandler(kCmd, Note, 0, kB);
+        TVPMUnregisterCommandHandler(kCmd, Note, 0, kA);
     });
-    TVPMCommandHook(kCmd, 1, 0, 0);
-    EXPECT_EQ(s_seen.size(), 3u);
-
-    RunAs("alpha.tvp", [] { TVPMUnregisterCommandHandler(kCmd, Note, 0, kA); });
-    t.Register("beta.tvp", UnregisterSelf, 0, kB);
-    t.Register("alpha.tvp", Note, 0, kA);
     s_seen.clear();
-    TVPMCommandHook(kCmd, 1, 0, 0);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 1);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
+    EXPECT_EQ(TVPMGetMyID(), 0) << "the host's context is restored";
+    EXPECT_EQ(TVPMCommandHook(kOther, 1, 0, 1), 1);
+    // Held, up, and up winning over down; beta's handler removed itself while running.
+    TVPMCommandHook(kCmd, 0, 0, 0);
     TVPMCommandHook(kCmd, 0, 1, 0);
-    EXPECT_EQ(s_seen, (Lines{"A0@alpha.tvp", "C0@alpha.tvp", "B0@beta.tvp", "A0@alpha.tvp",
-                             "A2@alpha.tvp", "C2@alpha.tvp", "A2@alpha.tvp"}));
+    TVPMCommandHook(kCmd, 1, 1, 0);
+    EXPECT_EQ(s_seen, (Lines{"B0@beta.tvp", "A0@alpha.tvp", "A0@alpha.tvp", "B0@beta.tvp", "C0@alpha.tvp",
+                             "A1@alpha.tvp", "C1@alpha.tvp", "A2@alpha.tvp", "C2@alpha.tvp", "A2@alpha.tvp",
+                             "C2@alpha.tvp"}));
+
+    t.Register("beta.tvp", NoteAndStop, 1, kC);  // newest: runs first
+    t.Register("alpha.tvp", NoteAndStop, 0, kB);
+    s_seen.clear();
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 1), 0);
+    EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 0);
+    EXPECT_EQ(s_seen, (Lines{"C0@beta.tvp", "A0@alpha.tvp", "C0@alpha.tvp", "B0@alpha.tvp"}));
 }
 
-TEST(Commands, HeldCommandsRepeatPauseWhileDisabledAndAreReleasedAtUnload) {
+namespace {
+TVPMPluginID s_beta;
+// Ends its command from within the command's own repeat and disables beta, as
+// a plugin reacting to the continue phase may.
+int EndAndDisableBetaOnContinue(TVPMCommandRef cmd, TVPMCommandPhase phase, void*) {
+    if (phase == tvpm_CommandContinue) {
+        TVPMCommandEnd(cmd);
+        TVPMDisablePlugin(s_beta);
+    }
+    return 1;
+}
+}  // namespace
+
+TEST(Commands, HeldCommandsRepeatInPluginOrderPauseWhileDisabledAndAreReleasedAtUnload) {
     TwoPlugins t;
     t.host.ClearCalls();
     RunAs("alpha.tvp", [] {
@@ -162,54 +158,28 @@ TEST(Commands, HeldCommandsRepeatPauseWhileDisabledAndAreReleasedAtUnload) {
         TVPMCommandEnd(kCmd);  // not beta's: passed on, alpha's stays held
     });
     EXPECT_EQ(t.host.SlotSequence({"TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f"}),
-              (Lines{"TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f", "TVPMDoCommandBegin_f",
-                     "TVPMDoCommandBegin_f", "TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f"}));
-    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandBegin_f").at(0).args, (Lines{kOtherArg}));
-    const Lines both = t.alpha < t.beta ? Lines{kCmdArg, kOtherArg} : Lines{kOtherArg, kCmdArg};
-    EXPECT_EQ(t.RepeatPass(), both) << "in plugin ID order";
-
+              (Lines{"TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f", "TVPMDoCommandBegin_f", "TVPMDoCommandBegin_f",
+                     "TVPMDoCommandBegin_f", "TVPMDoCommandEnd_f"}));
+    EXPECT_EQ(t.FirstArgs("TVPMDoCommandBegin_f").at(0), kOtherArg);
+    EXPECT_EQ(t.RepeatPass(), (Lines{kCmdArg, kOtherArg})) << "alpha's, then beta's";
     TVPMDisablePlugin(t.alpha);
     EXPECT_EQ(t.RepeatPass(), Lines{kOtherArg});
     EXPECT_EQ(t.host.Count("TVPMDoCommandEnd_f"), 0u) << "disabling does not release";
     TVPMEnablePlugin(t.alpha);
-    EXPECT_EQ(t.RepeatPass(), both) << "repeats resume";
     t.host.ClearCalls();
     t.host.RunFrame();
     EXPECT_EQ(t.host.Count("TVPMDoCommandContinue_f"), 0u) << "only the repeat event repeats";
 
-    RunAs("beta.tvp", [] { TVPMCommandEnd(kOther); });
+    // The pass rechecks what each continue changed: alpha's ends its own command and disables beta.
+    s_beta = t.beta;
+    t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) { TVPMCommandHook(cmd, 0, 0, 1); });
+    t.Register("alpha.tvp", EndAndDisableBetaOnContinue, 1, nullptr);
+    EXPECT_EQ(t.RepeatPass(), Lines{kCmdArg}) << "alpha's repeats resumed";
+    TVPMEnablePlugin(t.beta);
+    EXPECT_EQ(t.RepeatPass(), Lines{kOtherArg});
     t.host.ClearCalls();
     t.host.Shutdown();
-    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandEnd_f").size(), 1u);
-    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandEnd_f").at(0).args, Lines{kCmdArg});
-}
-
-namespace {
-TVPMPluginID s_second;
-// Ends its command from within the command's own repeat and disables the
-// other plugin, as a plugin reacting to the continue phase may.
-int EndAndDisableOnContinue(TVPMCommandRef cmd, TVPMCommandPhase phase, void*) {
-    if (phase == tvpm_CommandContinue) {
-        TVPMCommandEnd(cmd);
-        TVPMDisablePlugin(s_second);
-    }
-    return 1;
-}
-}  // namespace
-
-TEST(Commands, TheRepeatPassRechecksWhatEachContinueChanged) {
-    TwoPlugins t;
-    s_second = std::max(t.alpha, t.beta);  // the pass goes in ascending plugin ID
-    const bool alphaFirst = t.alpha < t.beta;
-    t.host.On<&TVPMHooks::TVPMDoCommandContinue_f>([](void* cmd) { TVPMCommandHook(cmd, 0, 0, 1); });
-    RunAs(alphaFirst ? "alpha.tvp" : "beta.tvp", [] {
-        TVPMRegisterCommandHandler(kCmd, EndAndDisableOnContinue, 1, nullptr);
-        TVPMCommandBegin(kCmd);
-    });
-    RunAs(alphaFirst ? "beta.tvp" : "alpha.tvp", [] { TVPMCommandBegin(kOther); });
-    EXPECT_EQ(t.RepeatPass(), Lines{kCmdArg});
-    TVPMEnablePlugin(s_second);
-    EXPECT_EQ(t.RepeatPass(), Lines{kOtherArg});
+    EXPECT_EQ(t.FirstArgs("TVPMDoCommandEnd_f"), Lines{kOtherArg});
 }
 
 namespace {
@@ -230,8 +200,7 @@ TEST(Commands, LegacyButtonsArePressedHeldEveryFrameAndReleasedOncePerPress) {
     RunAs("beta.tvp", [] { TVPMCommandButtonPress(7); });
     TVPMCommandButtonPress(7);
     t.host.RunFrame();
-    EXPECT_EQ(s_buttons, (Lines{"5,|0|0", "5,|0|1", "7,|0|0", "7,|0|1", "7,|0|0", "7,|0|1",
-                                "5,7,7,|0|1"}));
+    EXPECT_EQ(s_buttons, (Lines{"5,|0|0", "5,|0|1", "7,|0|0", "7,|0|1", "7,|0|0", "7,|0|1", "5,7,7,|0|1"}));
     s_buttons.clear();
     TVPMCommandButtonRelease(5);
     TVPMCommandButtonRelease(7);
@@ -239,8 +208,8 @@ TEST(Commands, LegacyButtonsArePressedHeldEveryFrameAndReleasedOncePerPress) {
     TVPMCommandButtonRelease(7);
     TVPMCommandButtonRelease(9);  // never pressed: still sent, nothing else changes
     t.host.RunFrame();
-    EXPECT_EQ(s_buttons, (Lines{"5,|1|0", "5,|1|1", "7,|1|0", "7,|1|1", "7,|0|1", "7,|1|0",
-                                "7,|1|1", "9,|1|0", "9,|1|1"}));
+    EXPECT_EQ(s_buttons,
+              (Lines{"5,|1|0", "5,|1|1", "7,|1|0", "7,|1|1", "7,|0|1", "7,|1|0", "7,|1|1", "9,|1|0", "9,|1|1"}));
 }
 
 namespace {
@@ -265,7 +234,7 @@ TEST(Commands, UnloadingAPluginDuringDispatchDropsItsHandlersAndReleasesItsComma
     t.host.ClearCalls();
     EXPECT_EQ(TVPMCommandHook(kCmd, 1, 0, 0), 1);
     ASSERT_GT(IdOf("acfp"), 0) << "reloaded";
-    EXPECT_EQ(t.host.CallsTo("TVPMDoCommandEnd_f").at(0).args, Lines{kOtherArg});
+    EXPECT_EQ(t.FirstArgs("TVPMDoCommandEnd_f"), Lines{kOtherArg});
     EXPECT_TRUE(t.RepeatPass().empty());
     EXPECT_EQ(TVPMCommandHook(kCmd, 0, 1, 1), 1);
     EXPECT_EQ(TVPMCommandHook(kCmd, 0, 1, 0), 1);

@@ -23,11 +23,12 @@ using ArgLists = std::vector<Lines>;
 // Picks as "<menu refcon>/<item refcon>/<current plugin>".
 Lines s_picks;
 std::string Text(void* refcon) { return refcon ? static_cast<const char*>(refcon) : "null"; }
+char kTools[] = "tools", kFirst[] = "first", kSecond[] = "second", kClose[] = "close";
+TVPMMenuID s_closable = nullptr;  // picking its kClose item destroys it
 void RecordPick(void* menuRef, void* itemRef) {
     s_picks.push_back(Text(menuRef) + "/" + Text(itemRef) + "/" + std::to_string(TVPMGetMyID()));
+    if (itemRef == kClose) TVPMDestroyMenu(s_closable);
 }
-
-char kTools[] = "tools", kFirst[] = "first", kSecond[] = "second";
 
 // Started with a host that hands out menu handles and item codes.
 struct MenuHost : AlphaBeta {
@@ -39,23 +40,18 @@ struct MenuHost : AlphaBeta {
               host.On<&TVPMHooks::TVPMAppendMenuWithCommand_f>(
                   [](intptr_t, const char*, TVPMCommandRef) { return s_nextItem++; });
           }) {}
-    int Append(const std::string& key, TVPMMenuID menu, const std::string& name,
-               void* ref = nullptr) {
+    int Append(const std::string& key, TVPMMenuID menu, const std::string& name, void* ref = nullptr) {
         return RunAs<int>(key, [=] { return TVPMAppendMenuItem(menu, name.c_str(), ref, 0); });
     }
-    TVPMMenuID Create(const std::string& key, const std::string& name, TVPMMenuID parent = nullptr,
-                      int parentItem = 0, void* ref = kTools) {
-        return RunAs<TVPMMenuID>(key, [=] {
-            return TVPMCreateMenu(name.c_str(), parent, parentItem, RecordPick, ref);
-        });
+    TVPMMenuID Create(const std::string& key, const std::string& name, TVPMMenuID parent = nullptr, int parentItem = 0,
+                      void* ref = kTools) {
+        return RunAs<TVPMMenuID>(key,
+                                 [=] { return TVPMCreateMenu(name.c_str(), parent, parentItem, RecordPick, ref); });
     }
     ArgLists ArgsOf(const std::string& slot) const {
         ArgLists out;
         for (const HostCall& c : host.CallsTo(slot)) out.push_back(c.args);
         return out;
-    }
-    std::string Pick(const char* item, TVPMPluginID id) const {
-        return std::string("tools/") + item + "/" + std::to_string(id);
     }
 };
 
@@ -81,8 +77,7 @@ TEST(Menus, PluginsSeeAndClearOnlyTheirOwnItemsInASharedMenu) {
     // Host order is now b0 a1 b1.
     EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"101", "0"}}));
     EXPECT_EQ(t.ArgsOf("TVPMSetMenuTitle_f"),
-              (ArgLists{{"101", "0", Quoted("b0'")}, {"101", "2", Quoted("")},
-                        {"101", "1", Quoted("a1'")}}));
+              (ArgLists{{"101", "0", Quoted("b0'")}, {"101", "2", Quoted("")}, {"101", "1", Quoted("a1'")}}));
     EXPECT_EQ(t.Append("alpha.tvp", plugins, "a2"), 1);
 
     // Any plugin clears its own items from the shared menu; none destroys it.
@@ -91,10 +86,8 @@ TEST(Menus, PluginsSeeAndClearOnlyTheirOwnItemsInASharedMenu) {
         TVPMClearAllMenuItems(plugins);
         TVPMDestroyMenu(plugins);
     });
-    EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"101", "1"}, {"101", "2"}}))
-        << "a2 moved down when a1 went";
+    EXPECT_EQ(t.ArgsOf("TVPMRemoveMenuItem_f"), (ArgLists{{"101", "1"}, {"101", "2"}})) << "a2 moved down when a1 went";
     EXPECT_EQ(t.host.Count("TVPMDestroyMenu_f"), 0u);
-    EXPECT_EQ(TVPMFindPluginsMenu(), plugins);
     RunAs("beta.tvp", [plugins] { TVPMSetMenuItemName(plugins, 1, "b1", 0); });
     EXPECT_EQ(t.ArgsOf("TVPMSetMenuTitle_f"), (ArgLists{{"101", "1", Quoted("b1")}}));
     EXPECT_TRUE(PluginErrors().empty());
@@ -126,8 +119,7 @@ TEST(Menus, OutOfRangeIndicesAndUnknownMenusAreReportedAndChangeNothing) {
     const std::string state = a + "TVPMCheckMenuItemState was passed an out of range item index.";
     EXPECT_EQ(PluginErrors(),
               (Lines{remove, a + "TVPMSetMenuItemName was passed an out of range item index.",
-                     a + "TVPMCheckMenuItem was passed an out of range item index.", state, state,
-                     remove, state}));
+                     a + "TVPMCheckMenuItem was passed an out of range item index.", state, state, remove, state}));
     EXPECT_TRUE(t.host.Calls().empty());
     EXPECT_EQ(TVPMMenuItemEnabled(kPluginsHandle, 0), 1) << "beta's item untouched";
 }
@@ -138,8 +130,6 @@ TEST(Menus, TheSharedAircraftMenuIsForAircraftPluginsAndLeavesWithThem) {
               (ArgLists{{"0", "0", Quoted("<Aircraft>")}, {"0", "0", Quoted("Plugins")}}));
     t.LoadAircraftPlugin();
     TVPMMenuID acf = RunAs<TVPMMenuID>("acfp", [] { return TVPMFindAircraftMenu(); });
-    EXPECT_NE(acf, nullptr);
-    EXPECT_NE(acf, TVPMFindPluginsMenu());
     t.host.ClearCalls();
     for (const char* key : {"alpha.tvp", "alpha.tvp", "beta.tvp"})
         EXPECT_EQ(RunAs<TVPMMenuID>(key, [] { return TVPMFindAircraftMenu(); }), nullptr);
@@ -174,11 +164,9 @@ TEST(Menus, AMenuWithoutParentHangsOnItsOwnItemInThePluginsMenu) {
     t.Append("beta.tvp", TVPMFindPluginsMenu(), "b0");
     t.host.ClearCalls();
     TVPMMenuID tools = t.Create("alpha.tvp", "Tools", nullptr, 5);
-    ASSERT_NE(tools, nullptr);
     EXPECT_EQ(t.host.SlotSequence(), (Lines{"TVPMAppendMenu_f", "TVPMCreateMenu_f"}));
     EXPECT_EQ(t.host.Calls()[0].args, (Lines{"101", Quoted("Tools")}));
-    EXPECT_EQ(t.host.Calls()[1].args, (Lines{"101", "1", Quoted("Tools")}))
-        << "alpha's item 0 is the host's item 1";
+    EXPECT_EQ(t.host.Calls()[1].args, (Lines{"101", "1", Quoted("Tools")})) << "alpha's item 0 is the host's item 1";
 
     // A submenu's parent item is translated the same way; an unknown parent,
     // or an item the plugin does not have, gives item -1.
@@ -190,8 +178,7 @@ TEST(Menus, AMenuWithoutParentHangsOnItsOwnItemInThePluginsMenu) {
     t.Create("alpha.tvp", "Lost", &bogus, 0);
     t.Create("beta.tvp", "Foreign", tools, 0);
     EXPECT_EQ(t.ArgsOf("TVPMCreateMenu_f"),
-              (ArgLists{{"102", "1", Quoted("Sub")}, {"0", "-1", Quoted("Lost")},
-                        {"102", "-1", Quoted("Foreign")}}));
+              (ArgLists{{"102", "1", Quoted("Sub")}, {"0", "-1", Quoted("Lost")}, {"102", "-1", Quoted("Foreign")}}));
 }
 
 TEST(Menus, PicksReachTheMenusPluginUnlessItemOrPluginIsDisabled) {
@@ -199,7 +186,7 @@ TEST(Menus, PicksReachTheMenusPluginUnlessItemOrPluginIsDisabled) {
     t.Append("alpha.tvp", TVPMFindPluginsMenu(), "no handler", kFirst);
     const int shared = s_nextItem - 1;
     static int cmd;
-    TVPMMenuID tools = t.Create("alpha.tvp", "Tools");
+    TVPMMenuID tools = s_closable = t.Create("alpha.tvp", "Tools");
     const intptr_t handle = s_nextMenu - 1;
     t.host.ClearCalls();
     t.Append("alpha.tvp", tools, "first", kFirst);
@@ -208,14 +195,14 @@ TEST(Menus, PicksReachTheMenusPluginUnlessItemOrPluginIsDisabled) {
         TVPMAppendMenuSeparator(tools);
         TVPMAppendMenuItemWithCommand(tools, nullptr, &cmd);
     });
-    const int first = s_nextItem - 4, second = s_nextItem - 3, command = s_nextItem - 1;
+    t.Append("alpha.tvp", tools, "close", kClose);
+    const int first = s_nextItem - 5, second = s_nextItem - 4, command = s_nextItem - 2, close = s_nextItem - 1;
     EXPECT_EQ(t.ArgsOf("TVPMAppendMenu_f").at(2), (Lines{"102", Quoted("-")}));
-    EXPECT_EQ(t.ArgsOf("TVPMAppendMenuWithCommand_f"),
-              (ArgLists{{"102", Quoted(""), FormatArg(&cmd)}}));
+    EXPECT_EQ(t.ArgsOf("TVPMAppendMenuWithCommand_f"), (ArgLists{{"102", Quoted(""), FormatArg(&cmd)}}));
 
+    const std::string a = "/" + std::to_string(t.alpha);
     for (int code : {second, first, command, shared}) EXPECT_EQ(TVPMMenuHook(code), 0);
-    EXPECT_EQ(s_picks, (Lines{t.Pick("second", t.alpha), t.Pick("first", t.alpha),
-                              t.Pick("null", t.alpha)}));
+    EXPECT_EQ(s_picks, (Lines{"tools/second" + a, "tools/first" + a, "tools/null" + a}));
     EXPECT_EQ(TVPMGetMyID(), 0);
     EXPECT_EQ(TVPMMenuHook(99999), 1) << "not ours: the host handles it";
 
@@ -227,11 +214,19 @@ TEST(Menus, PicksReachTheMenusPluginUnlessItemOrPluginIsDisabled) {
     EXPECT_EQ(TVPMMenuItemEnabled(handle, 1), 0) << "a disabled plugin's items are greyed";
     TVPMEnablePlugin(t.alpha);
     EXPECT_EQ(TVPMMenuHook(second), 0);
-    EXPECT_EQ(s_picks, (Lines{t.Pick("second", t.alpha)}));
-    // Enabled states of items 0, 1 and 4 (out of range), and of an unknown menu.
+    EXPECT_EQ(s_picks, (Lines{"tools/second" + a}));
+    // Enabled states of items 0, 1 and 5 (out of range), and of an unknown menu.
     EXPECT_EQ((std::vector<int>{TVPMMenuItemEnabled(handle, 0), TVPMMenuItemEnabled(handle, 1),
-                                TVPMMenuItemEnabled(handle, 4), TVPMMenuItemEnabled(555, 0)}),
+                                TVPMMenuItemEnabled(handle, 5), TVPMMenuItemEnabled(555, 0)}),
               (std::vector<int>{0, 1, 1, 1}));
+
+    // The handler may destroy its own menu while it is picked.
+    t.host.ClearCalls();
+    EXPECT_EQ(TVPMMenuHook(close), 0);
+    Lines removeAllThenDestroy(5, "TVPMRemoveMenuItem_f");
+    removeAllThenDestroy.push_back("TVPMDestroyMenu_f");
+    EXPECT_EQ(t.host.SlotSequence(), removeAllThenDestroy);
+    EXPECT_EQ(TVPMMenuHook(close), 1);
 }
 
 TEST(Menus, CheckMarksAsTheHostAsksForThem) {
@@ -247,18 +242,14 @@ TEST(Menus, CheckMarksAsTheHostAsksForThem) {
         TVPMCheckMenuItemState(tools, 1, &state);
     });
     EXPECT_EQ(state, tvpm_Menu_Checked);
-    // The host counts -1 no mark, 0 unchecked, 1 checked; anything else is its own.
-    const struct {
-        intptr_t menu;
-        int item, result, check;
-    } cases[] = {{handle, 0, 0, -1}, {handle, 1, 0, 1}, {handle, 2, 0, 0},
-                 {handle, 3, 1, 42}, {handle, 4, 1, 42}, {777, 0, 1, 42}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::to_string(c.menu) + " item " + std::to_string(c.item));
-        int out = 42;
-        EXPECT_EQ(TVPMCheckMenuHook(c.menu, c.item, &out), c.result);
-        EXPECT_EQ(out, c.check);
-    }
+    // As "<answer>:<mark>": the host counts -1 no mark, 0 unchecked, 1 checked; anything else is its own.
+    auto ask = [](intptr_t menu, int item) {
+        int mark = 42;
+        const int answer = TVPMCheckMenuHook(menu, item, &mark);
+        return std::to_string(answer) + ":" + std::to_string(mark);
+    };
+    EXPECT_EQ((Lines{ask(handle, 0), ask(handle, 1), ask(handle, 2), ask(handle, 3), ask(handle, 4), ask(777, 0)}),
+              (Lines{"0:-1", "0:1", "0:0", "1:42", "1:42", "1:42"}));
     EXPECT_EQ(t.host.Count("TVPMSetMenuTitle_f"), 0u) << "checking never calls the host";
 }
 
@@ -284,33 +275,11 @@ TEST(Menus, OnlyTheCreatorClearsOrDestroysAMenuEvenWithAShortHostTable) {
     t.host.hooks.structSize = 1312;  // a host without the destroy slot
     t.host.ClearCalls();
     RunAs("alpha.tvp", [tools] { TVPMDestroyMenu(tools); });
-    EXPECT_EQ(t.host.SlotSequence(), (Lines{"TVPMRemoveMenuItem_f"}))
-        << "only the creator's own items are removed";
+    EXPECT_EQ(t.host.SlotSequence(), (Lines{"TVPMRemoveMenuItem_f"})) << "only the creator's own items are removed";
     EXPECT_EQ(t.Append("alpha.tvp", tools, "late"), -1) << "forgotten all the same";
     EXPECT_EQ(TVPMMenuItemEnabled(102, 0), 1);
 
     t.host.ClearCalls();
     t.host.Shutdown();
     EXPECT_EQ(t.ArgsOf("TVPMDestroyMenu_f"), (ArgLists{{"103"}})) << "unload still destroys";
-}
-
-namespace {
-TVPMMenuID s_pickedMenu = nullptr;
-void DestroyPickedMenu(void*, void*) { TVPMDestroyMenu(s_pickedMenu); }
-}  // namespace
-
-TEST(Menus, AHandlerMayDestroyItsOwnMenuWhilePicked) {
-    MenuHost t;
-    s_pickedMenu = RunAs<TVPMMenuID>("alpha.tvp", [] {
-        TVPMMenuID menu = TVPMCreateMenu("Once", nullptr, 0, DestroyPickedMenu, nullptr);
-        TVPMAppendMenuItem(menu, "Close me", nullptr, 0);
-        TVPMAppendMenuItem(menu, "Other", nullptr, 0);
-        return menu;
-    });
-    const int closeMe = s_nextItem - 2;
-    t.host.ClearCalls();
-    EXPECT_EQ(TVPMMenuHook(closeMe), 0);
-    EXPECT_EQ(t.host.SlotSequence(),
-              (Lines{"TVPMRemoveMenuItem_f", "TVPMRemoveMenuItem_f", "TVPMDestroyMenu_f"}));
-    EXPECT_EQ(TVPMMenuHook(closeMe), 1);
 }

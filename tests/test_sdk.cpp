@@ -29,9 +29,6 @@ TEST(Sdk, InstalledCopyBuildsAnExamplePluginOutOfTree) {
     const std::string prefix = dir / "prefix";
     HostOutcome o = CMake("--install " + Quote(BinaryDir()) + " --prefix " + Quote(prefix));
     ASSERT_EQ(o.status, 0) << o.output;
-    // Building and running below proves what was installed; the simulator's header stays apart.
-    EXPECT_FALSE(fs::exists(prefix + "/include/TVPMHost.h"));
-    EXPECT_FALSE(fs::exists(prefix + "/include/TVPM/TVPMHost.h"));
 
     const std::string source = dir / "src";
     fs::create_directories(source);

@@ -48,27 +48,17 @@ float BeginWeatherOnly(float, float, int, void*) {
     TVPMSetWeatherAtAirport("LSZH", &info);
     return 0;
 }
-int Handler(TVPMCommandRef, TVPMCommandPhase, void*) { return 1; }
-int CrashingHandler(TVPMCommandRef, TVPMCommandPhase, void*) { return Crash(), 1; }
-int ReadInt(void*) { return 1; }
-int CrashingRead(void*) { return Crash(), 0; }
-int Draw(TVPMDrawingPhase, int, void*) { return 1; }
-int Sniff(char, TVPMKeyFlags, char, void*) { return 1; }
 int CrashingSniff(char, TVPMKeyFlags, char, void*) { return Crash(), 1; }
-void HotKey(void*) {}
 void CrashingMenu(void*, void*) { Crash(); }
 void DrawWindow(TVPMWindowID, void*) {}
 int CrashingClick(TVPMWindowID, int, int, TVPMMouseStatus, void*) { return Crash(), 1; }
+int CrashingHandler(TVPMCommandRef, TVPMCommandPhase, void*) { return Crash(), 1; }
+int CrashingRead(void*) { return Crash(), 0; }
 void DrawScreen(void*) {}
-int DrawOver(TVPMDeviceID, int, void*) { return 1; }
 void DrawLayer(TVPMMapLayerID, const float*, float, float, TVPMMapStyle, TVPMMapProjectionID, void*) {}
 int KeepCamera(TVPMCameraPosition_t*, int, void*) { return 1; }
 void Detached() {
     for (;;) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-}
-void FromThread(void (*call)()) {
-    std::thread worker(call);
-    worker.join();
 }
 
 TVPMWindowID Window(TVPMHandleMouseClick_f click) {
@@ -83,11 +73,6 @@ TVPMWindowID Window(TVPMHandleMouseClick_f click) {
     return TVPMCreateWindowEx(&p);
 }
 
-TVPMFlightLoopID FlightLoop(TVPMFlightLoop_f callback, int structSize = sizeof(TVPMCreateFlightLoop_t)) {
-    TVPMCreateFlightLoop_t p = {structSize, tvpm_FlightLoop_Phase_BeforeFlightModel, callback, nullptr};
-    return TVPMCreateFlightLoop(&p);
-}
-
 void KeepAvionics() {
     TVPMCreateAvionics_t device;
     memset(&device, 0, sizeof device);
@@ -97,11 +82,6 @@ void KeepAvionics() {
     device.deviceID = "test_forgotten";
     device.deviceName = "Forgotten display";
     TVPMCreateAvionicsEx(&device);
-    TVPMCustomizeAvionics_t overlay;
-    memset(&overlay, 0, sizeof overlay);
-    overlay.structSize = sizeof overlay;
-    overlay.drawCallbackBefore = DrawOver;
-    TVPMRegisterAvionicsCallbacksEx(&overlay);
 }
 
 void KeepWeatherUpdateAndMapLayer() {
@@ -112,7 +92,8 @@ void KeepWeatherUpdateAndMapLayer() {
     layer.drawCallback = DrawLayer;
     layer.layerName = "Kept";
     TVPMCreateMapLayer(&layer);
-    TVPMScheduleFlightLoop(FlightLoop(BeginWeatherOnly), -1, 1);
+    TVPMCreateFlightLoop_t loop = {sizeof loop, tvpm_FlightLoop_Phase_BeforeFlightModel, BeginWeatherOnly, nullptr};
+    TVPMScheduleFlightLoop(TVPMCreateFlightLoop(&loop), -1, 1);
 }
 
 // One object per load; the other aircraft and the camera again at every enable.
@@ -159,34 +140,17 @@ void KeepSound() {
     if (createSound(system, pcm, 0x1802, &info, &sound) == 0) play(system, sound, group, 0, &channel);
 }
 
-// One record of each kind the leftovers check counts.
-void LeakRecords() {
-    TVPMRegisterFlightLoopCallback(Loop, -1, nullptr);
-    TVPMRegisterCommandHandler(TVPMCreateCommand("test/leak", "Leak"), Handler, 1, nullptr);
-    TVPMRegisterDataAccessor("test/leak/item", tvpmType_Int, 0, ReadInt, nullptr, nullptr, nullptr, nullptr, nullptr,
-                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    TVPMRegisterHotKey('K', tvpm_DownFlag, "Leaked", HotKey, nullptr);
-    TVPMRegisterDrawCallback(Draw, tvpm_Phase_Window, 0, nullptr);
-    TVPMRegisterKeySniffer(Sniff, 1, nullptr);
-}
-
-void MisuseTheInterface() {
-    TVPMRemoveMenuItem(TVPMFindPluginsMenu(), 4711);
-    TVPMEnableFeature("TVPM_NO_SUCH_FEATURE", 1);
-    TVPMDestroyFlightLoop(FlightLoop(Loop, 12));
-    TVPMDestroyFlightLoop(FlightLoop(nullptr));
-}
-
 // What each case does when enabled; cases that act at another entry point do so below.
 struct Case {
     const char* name;
     void (*enable)();
 };
 const Case kCases[] = {
-    {"leak_records", LeakRecords},
+    // What the simulator tracks itself, and a record TVPM's clean-up has to release.
     {"leak_window", [] {
          TVPMSetWindowTitle(Window(nullptr), "Forgotten");
          TVPMCommandBegin(TVPMCreateCommand("test/broken/held", "Held down forever"));
+         TVPMRegisterFlightLoopCallback(Loop, -1, nullptr);
      }},
     {"hold_world", HoldWorld},
     {"leak_avionics", KeepAvionics},
@@ -196,22 +160,22 @@ const Case kCases[] = {
          TVPMMenuID m = TVPMCreateMenu("Crashing", TVPMFindPluginsMenu(), 0, CrashingMenu, nullptr);
          TVPMAppendMenuItem(m, "Crash", nullptr, 0);
      }},
+    {"crash_mouse_handler", [] { Window(CrashingClick); }},
+    {"crash_key_sniffer", [] { TVPMRegisterKeySniffer(CrashingSniff, 1, nullptr); }},
     {"crash_command_handler", [] { TVPMRegisterCommandHandler(TVPMCreateCommand("test/crash", "Crash"), CrashingHandler, 1, nullptr); }},
     {"crash_data_accessor", [] {
          TVPMRegisterDataAccessor("test/crash/item", tvpmType_Int, 0, CrashingRead, nullptr, nullptr, nullptr,
                                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                   nullptr);
      }},
-    {"crash_mouse_handler", [] { Window(CrashingClick); }},
-    {"crash_key_sniffer", [] { TVPMRegisterKeySniffer(CrashingSniff, 1, nullptr); }},
-    {"crash_hot_key", [] { TVPMRegisterHotKey('Q', tvpm_DownFlag, "Crash", [](void*) { Crash(); }, nullptr); }},
-    {"api_errors", MisuseTheInterface},
+    {"api_errors", [] { TVPMEnableFeature("TVPM_NO_SUCH_FEATURE", 1); }},
     {"misspelt_data", [] { s_sink = TVPMFindDataRef("sim/flightmodel/position/elevatoin") != nullptr; }},
     {"deprecated_data", [] { s_sink = TVPMFindDataRef("sim/graphics/view/legacy_frame_rate") != nullptr; }},
     {"detached_thread", [] { std::thread(Detached).detach(); }},
-    {"thread_debug_string", [] { FromThread([] { TVPMDebugString("hello from a worker\n"); }); }},
-    {"thread_menu", [] { FromThread([] { s_sink = static_cast<int>(TVPMFindPluginsMenu() != nullptr); }); }},
-    {"thread_command", [] { FromThread([] { s_sink = TVPMFindCommand("sim/none") != nullptr; }); }},
+    {"thread_menu", [] {
+         std::thread worker([] { s_sink = static_cast<int>(TVPMFindPluginsMenu() != nullptr); });
+         worker.join();
+     }},
     {"hang_flight_loop", [] { TVPMRegisterFlightLoopCallback(Spin, -1, nullptr); }},
     {"slow_flight_loop", [] { TVPMRegisterFlightLoopCallback(Slow, -1, nullptr); }},
     {"open_file", [] { s_sink = open("/dev/null", O_RDONLY); }},
@@ -226,7 +190,6 @@ const Case kCases[] = {
     {"crash_disable", [] {}},
     {"name_overrun", [] {}},
     {"refuse_start", [] {}},
-    {"refuse_enable", [] {}},
 };
 
 const Case* This() {
@@ -259,7 +222,7 @@ TVPM_PLUGIN_API int TPluginEnable(void) {
         once = true;
     }
     This()->enable();
-    return s_case != "refuse_enable";
+    return 1;
 }
 
 TVPM_PLUGIN_API void TPluginDisable(void) {
