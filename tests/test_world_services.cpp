@@ -101,6 +101,7 @@ TEST_F(WorldServices, CallsReachTheSlotOfTheirNameWithTheirArgumentsOrGetTheirEr
         {[] { TVPMBindTexture2d(12, 1); }, "TVPMBindTexture2d_f", "12,1", nullptr},
         {[] { TVPMMapProject(nullptr, 1, 2, nullptr, nullptr); }, "TVPMMapProject_f", "null,1,2,null,null", nullptr},
         {[] { TVPMMapScaleMeter(nullptr, 3, 4); }, "TVPMMapScaleMeter_f", "null,3,4", nullptr},
+        {[] { TVPMMapGetNorthHeading(nullptr, 5, 6); }, "TVPMMapGetNorthHeading_f", "null,5,6", nullptr},
         {[] { TVPMGetMagneticVariation(47.5, 8.5); }, "TVPMGetMagneticVariation_f", "47.5,8.5", nullptr},
         {[] { TVPMPlaceUserAtAirport("KSEA"); }, "TVPMLoadAirport_f", "\"KSEA\"", nullptr},
         {[] { TVPMPlaceUserAtLocation(47.5, -122.3, 3, 4, 5); }, "TVPMInitAtLocation_f", "47.5,-122.3,3,4,5", nullptr},
