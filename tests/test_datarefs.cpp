@@ -7,12 +7,6 @@
 #include "TVPM/TVPMDataAccess.h"
 #include "data_test_util.h"
 
-// Plugins built against this layout must keep working.
-static_assert(sizeof(TVPMDataRefInfo_t) == TVPM_DATAREF_INFO_SIZE && TVPM_DATAREF_INFO_SIZE == 32 &&
-                  offsetof(TVPMDataRefInfo_t, name) == 8 && offsetof(TVPMDataRefInfo_t, type) == 16 &&
-                  offsetof(TVPMDataRefInfo_t, writable) == 20 && offsetof(TVPMDataRefInfo_t, owner) == 24,
-              "TVPMDataRefInfo_t");
-
 using namespace datatest;
 using Texts = std::vector<std::string>;
 

@@ -8,12 +8,6 @@
 #include "TVPM/TVPMProcessing.h"
 #include "data_test_util.h"
 
-// Plugins built against this layout must keep working.
-static_assert(sizeof(TVPMCreateFlightLoop_t) == TVPM_CREATE_FLIGHT_LOOP_SIZE && TVPM_CREATE_FLIGHT_LOOP_SIZE == 24 &&
-                  offsetof(TVPMCreateFlightLoop_t, phase) == 4 && offsetof(TVPMCreateFlightLoop_t, callbackFunc) == 8 &&
-                  offsetof(TVPMCreateFlightLoop_t, refcon) == 16,
-              "TVPMCreateFlightLoop_t");
-
 using namespace datatest;
 using Names = std::vector<std::string>;
 

@@ -68,6 +68,11 @@ typedef struct TVPMDataRefInfo_t {
     int writable;
     TVPMPluginID owner; /* TVPM_NO_PLUGIN_ID once unregistered */
 } TVPMDataRefInfo_t;
+TVPM_PIN_LAYOUT(dataref_info_size, sizeof(TVPMDataRefInfo_t) == TVPM_DATAREF_INFO_SIZE);
+TVPM_PIN_LAYOUT(dataref_info_name, offsetof(TVPMDataRefInfo_t, name) == 8);
+TVPM_PIN_LAYOUT(dataref_info_type, offsetof(TVPMDataRefInfo_t, type) == 16);
+TVPM_PIN_LAYOUT(dataref_info_writable, offsetof(TVPMDataRefInfo_t, writable) == 20);
+TVPM_PIN_LAYOUT(dataref_info_owner, offsetof(TVPMDataRefInfo_t, owner) == 24);
 
 /* ---- Registry ------------------------------------------------------------- */
 

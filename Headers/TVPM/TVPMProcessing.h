@@ -47,6 +47,10 @@ typedef struct TVPMCreateFlightLoop_t {
     TVPMFlightLoop_f callbackFunc;
     void* refcon;
 } TVPMCreateFlightLoop_t;
+TVPM_PIN_LAYOUT(create_flight_loop_size, sizeof(TVPMCreateFlightLoop_t) == TVPM_CREATE_FLIGHT_LOOP_SIZE);
+TVPM_PIN_LAYOUT(create_flight_loop_phase, offsetof(TVPMCreateFlightLoop_t, phase) == 4);
+TVPM_PIN_LAYOUT(create_flight_loop_callback, offsetof(TVPMCreateFlightLoop_t, callbackFunc) == 8);
+TVPM_PIN_LAYOUT(create_flight_loop_refcon, offsetof(TVPMCreateFlightLoop_t, refcon) == 16);
 
 /* The simulator's elapsed time in seconds, the clock flight loops run on. */
 TVPM_API float TVPMGetElapsedTime(void);
