@@ -45,9 +45,7 @@ private:
 // chain, leaving one load for the weather check and two stores.
 class StCurrentPlugin {
 public:
-    StCurrentPlugin(TVPMPluginID id, const void* library)
-        : link_{library, gCodeOnStack}, saved_(gCurrentPlugins) {
-        gCodeOnStack = &link_;
+    StCurrentPlugin(TVPMPluginID id, const void* library) : onStack_(library), saved_(gCurrentPlugins) {
         // The outer dispatched plugin becomes the client: one shift of the
         // word (the first member is its low half on this target).
         uint64_t word;
@@ -58,13 +56,12 @@ public:
     ~StCurrentPlugin() {
         if (__builtin_expect(gPendingWeatherUpdate != -1, 0)) TVPMReportUnclosedWeatherUpdate();
         gCurrentPlugins = saved_;
-        gCodeOnStack = link_.below;
     }
     StCurrentPlugin(const StCurrentPlugin&) = delete;
     StCurrentPlugin& operator=(const StCurrentPlugin&) = delete;
 
 private:
-    TVPMCodeOnStack link_;
+    StPluginCodeOnStack onStack_;  // leaves the chain after the restore above
     TVPMCurrentPlugins saved_;
 };
 
